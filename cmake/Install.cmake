@@ -1,0 +1,1 @@
+install(TARGETS raylume_dl raylume_platform ovdlreader)

@@ -1,0 +1,1 @@
+#include "raylume/appearance/DecalTranslation.h"

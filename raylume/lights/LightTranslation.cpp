@@ -1,0 +1,1 @@
+#include "raylume/lights/LightTranslation.h"

@@ -1,0 +1,1 @@
+#include "raylume/lights/SceneTranslation.h"

@@ -1,0 +1,1 @@
+#include "raylume/load/TessellationCapture.h"

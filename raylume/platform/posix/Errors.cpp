@@ -1,0 +1,1 @@
+#include "raylume/platform/Errors.h"

@@ -1,0 +1,1 @@
+#include "raylume/platform/HostProgram.h"

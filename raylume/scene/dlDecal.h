@@ -1,0 +1,74 @@
+#pragma once
+
+#include <cstdint>
+#include <list>
+#include <string>
+
+#include "raylume/platform/Export.h"
+#include "raylume/scene/dlMaterial.h"
+
+/// Kind of a mask. The library stores it and names no kind but the default.
+enum decalmaskType_e : std::uint32_t { decalmaskType_none = 0 };
+
+/// An appearance that lies on top of a surface: an image placed on a face, with a rule that cuts
+/// parts of it out.
+///
+/// Ownership: a dlFace or a dlInstance owns the decals in its list and deletes them through the
+///   virtual destructor here.
+/// Layout: hosts read the fields directly; order and defaults are a contract.
+class DL_API dlDecal : public dlMaterial {
+public:
+    dlDecal();
+    dlDecal(const dlDecal& other);
+    /// As dlMaterial's assignment (keeps reservedNameA and reservedNameB), and all fields below.
+    dlDecal& operator=(const dlDecal& other);
+
+    bool isDecal() const override;
+    /// Never before a plain material; decals among themselves by all their fields but faceId.
+    bool operator<(const dlMaterial& other) const override;
+    virtual ~dlDecal();
+    /// The material fields by dlMaterial's rule, then the decal's own, all but faceId.
+    bool operator==(const dlDecal& other) const;
+
+    int getFaceId() const;
+    void setFaceId(int value);
+    int getUODecalId() const;
+    void setUODecalId(int value);
+    int getInstanceDecal();
+    void setInstanceDecal(int value);
+    int getMaskInvert();
+    void setMaskInvert(int value);
+    int getUseUnderlyingAppearance();
+    void setUseUnderlyingAppearance(int value);
+    decalmaskType_e getMaskType();
+    void setMaskType(decalmaskType_e value);
+    float getTextureTransU() const;
+    void setTextureTransU(float value);
+    float getTextureTransV() const;
+    void setTextureTransV(float value);
+    float getTextureAngleUV() const;
+    void setTextureAngleUV(float value);
+    std::wstring getMaskFilename();
+    void setMaskFilename(std::wstring value);
+    std::string getPickDecalTag() const;
+    void setPickDecalTag(std::string value);
+    std::list<unsigned long> getColorMask();
+    void setColorMask(std::list<unsigned long> value);
+
+    std::int32_t decalReservedA = 0;
+    std::int32_t decalReservedB = 0;
+    std::int32_t decalReservedC = 0;
+    decalmaskType_e maskType = decalmaskType_none;
+    std::wstring maskFilename;
+    std::int32_t maskInvert = 0;
+    std::list<std::uint32_t> colorMask;  ///< Colours to cut out; red in the low byte.
+    std::int32_t decalReservedD = 0;
+    float textureTransU = 0;
+    float textureTransV = 0;
+    float textureAngleUV = 0;
+    std::int32_t faceId = -1;  ///< The face it lies on, when it hangs on an instance.
+    std::int32_t uoDecalId = 0;
+    std::int32_t useUnderlyingAppearance = 1;
+    std::string pickDecalTag;
+    std::int32_t instanceDecal = 0;
+};

@@ -1,0 +1,1 @@
+#include "raylume/scene/dlPart.h"

@@ -1,0 +1,22 @@
+// Where the host program and its data are.
+#pragma once
+
+#include <string>
+
+#include "raylume/platform/Export.h"
+
+/// The host's data folder, without a trailing separator; empty while it cannot be resolved. A
+/// resolved folder is final for the life of the process.
+DL_API std::wstring rlu_getDataDir();
+/// Always true.
+DL_API bool rlu_isMeridian5App();
+/// The host's repair switch for custom appearances, read anew on each call.
+DL_API bool rlu_useDefaultShaderForCorruptR2M();
+
+/// The folder two levels above the host's executable file name.
+std::wstring getHostInstallRoot();
+/// The text before the last "\" or "/"; the text itself when it holds neither.
+std::wstring stripLastPathComponent(const std::wstring& path);
+
+/// The resolved data folder, for rlu_getDataDir alone; tests reset it.
+extern std::wstring g_dataDir;

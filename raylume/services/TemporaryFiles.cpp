@@ -1,0 +1,1 @@
+#include "raylume/services/TemporaryFiles.h"

@@ -1,0 +1,80 @@
+// Documents built in memory and put under a path. Hosts use them to show what they have made
+// themselves; tests use them to reach every corner of the reader interface.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "raylume/load/ReaderInterface.h"
+
+namespace ovdl {
+
+/// One document, made anew for each read.
+///
+/// Ownership: owns the documents, the configurations and whatever is given to own(); the reader
+///   keeps it until the document object of the read is destroyed.
+class OVDL_API PreparedDocument {
+public:
+    PreparedDocument();
+    PreparedDocument(const PreparedDocument&) = delete;
+    PreparedDocument& operator=(const PreparedDocument&) = delete;
+    ~PreparedDocument();
+
+    /// Makes an object that lives as long as the document.
+    template <class T, class... Arguments>
+    T* own(Arguments&&... arguments)
+    {
+        auto object = std::make_shared<T>(std::forward<Arguments>(arguments)...);
+        T* result = object.get();
+        owned_.push_back(std::move(object));
+        return result;
+    }
+
+    /// An array of pointers over `elements`, which live as long as the document.
+    template <class T>
+    ovPointerArray<T> array(std::vector<T*> elements)
+    {
+        auto* kept = own<std::vector<T*>>(std::move(elements));
+        return {kept->data(), static_cast<long long>(kept->size())};
+    }
+
+    /// A view over `values`, which live as long as the document.
+    template <class T>
+    ovArrayView<T> view(std::vector<T> values)
+    {
+        auto* kept = own<std::vector<T>>(std::move(values));
+        return {kept->data(), static_cast<long long>(kept->size())};
+    }
+
+    /// At most one of these two is usual; the library takes the part when there are both.
+    std::unique_ptr<OVDLPartDocument> part;
+    std::unique_ptr<OVDLAssemblyDocument> assembly;
+    /// Component arrays by configuration name.
+    std::map<std::wstring, uoTempAssemblySHDDataArray_c> configurations;
+    std::uint32_t version = 12000;
+    /// False: the document cannot be opened at all.
+    bool openable = true;
+    /// True: what part or assembly answers when asked whether it is rejected.
+    bool rejected = false;
+    /// What ReadFile gives.
+    OVXDLReader_FileLoadResult result = OVXDLReader_Loaded;
+    /// The one-line reason that lastReason() gives when the document is rejected or not openable.
+    std::string reason;
+
+private:
+    std::vector<std::shared_ptr<void>> owned_;
+};
+
+using DocumentFactory = std::function<std::unique_ptr<PreparedDocument>()>;
+
+/// Puts a document under a path (compared exactly). It takes the place of a file of that name and of
+/// an earlier document. The factory is called once for each read, or each probe that no read follows.
+OVDL_API void prepareDocument(const std::wstring& path, DocumentFactory factory);
+/// Takes the document away; an unknown path does nothing.
+OVDL_API void forgetDocument(const std::wstring& path);
+
+}  // namespace ovdl
