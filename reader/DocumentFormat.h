@@ -5,6 +5,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "raylume/load/ReaderInterface.h"
 
@@ -74,7 +75,10 @@ public:
 /// The version that documents of foreign formats are given.
 inline constexpr unsigned long kForeignDocumentVersion = 12000;
 
-/// The formats of this reader, in the order in which they are asked.
+/// The formats of this reader, in the order in which they are asked. The one list of them is in
+/// Formats.cpp.
+std::vector<std::unique_ptr<DocumentFormat>> makeFormats();
+
 std::unique_ptr<DocumentFormat> makePreparedFormat();
 std::unique_ptr<DocumentFormat> makeGltfFormat();
 

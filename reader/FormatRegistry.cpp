@@ -9,14 +9,6 @@
 namespace ovdl {
 namespace {
 
-// Prepared documents come first: they take the place of files of their name.
-std::vector<std::unique_ptr<DocumentFormat>> makeFormats()
-{
-    std::vector<std::unique_ptr<DocumentFormat>> formats;
-    formats.push_back(makePreparedFormat());
-    return formats;
-}
-
 // A format that fails while it looks at a file does not take the host with it.
 bool recognises(DocumentFormat& format, const std::wstring& path, std::string& reason)
 {

@@ -55,7 +55,8 @@ uoTempPartTessData_c::~uoTempPartTessData_c() = default;
 
 int uoTempPartTessData_c::getNumBodies() const
 {
-    return static_cast<int>(std::min<long long>(bodies.count, std::numeric_limits<int>::max()));
+    return static_cast<int>(std::clamp<long long>(bodies.count, std::numeric_limits<int>::min(),
+                                                  std::numeric_limits<int>::max()));
 }
 
 moVisualProperties_c* uoTempPartTessData_c::getModelVizProp(int config) const
