@@ -45,10 +45,11 @@ public:
 
     void progress(float done) override
     {
+        const float share = std::min(done, 1.0f);
         // Written so that a share that is no number is dropped.
-        if (!(done > told_))
+        if (!(share > told_))
             return;
-        told_ = std::min(done, 1.0f);
+        told_ = share;
         askCallbacks([this](OVDL_Callbacks& callbacks) { callbacks.UpdateProgress(told_, 1, 1); });
     }
 

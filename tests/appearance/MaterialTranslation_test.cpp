@@ -1,5 +1,6 @@
 #include "raylume/appearance/MaterialTranslation.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -13,6 +14,7 @@
 #include "raylume/scene/dlMaterial.h"
 #include "raylume/services/Locations.h"
 #include "tests/appearance/AppearanceSource.h"
+#include "tests/recording_reader/RecordingReader.h"
 
 namespace {
 
@@ -813,6 +815,30 @@ TEST_F(Material, the_bump_image_needs_a_render_appearance)
     apply();
     EXPECT_EQ(material_.bumpFilename, "");
     EXPECT_EQ(material_.surfaceFinish, 3);
+}
+
+// ---------------------------------------------------------------------------------------- questions
+
+TEST_F(Placement, asks_the_image_for_its_placement_and_again_for_its_centre)
+{
+    recording::Recorder::get().reset();
+    recording::Recorder::get().name(&source_.image, "image");
+    apply();
+    EXPECT_THAT(recording::Recorder::get().linesBeginning({"image."}),
+                testing::UnorderedElementsAre("image.getTextureScale(0)", "image.getTextureScale(1)",
+                                              "image.getTextureAngle()", "image.getTextureTransX()",
+                                              "image.getTextureTransY()", "image.getTextureFilename()",
+                                              "image.getTextureScale(0)", "image.getTextureScale(1)",
+                                              "image.getTextureTransX()", "image.getTextureTransY()"));
+}
+
+TEST_F(Placement, asks_an_image_that_is_not_mapped_nothing)
+{
+    recording::Recorder::get().reset();
+    recording::Recorder::get().name(&source_.image, "image");
+    source_.appearance.mappingType = 1;
+    apply();
+    EXPECT_THAT(recording::Recorder::get().linesBeginning({"image."}), testing::IsEmpty());
 }
 
 // ------------------------------------------------------------------------------------------- colour

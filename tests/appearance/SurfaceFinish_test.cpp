@@ -1,5 +1,6 @@
 #include "raylume/appearance/SurfaceFinish.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -9,7 +10,7 @@
 
 #include "raylume/load/ReaderInterface.h"
 #include "raylume/services/Locations.h"
-#include "tests/appearance/AppearanceSource.h"
+#include "tests/recording_reader/RecordingReader.h"
 
 namespace {
 
@@ -184,6 +185,14 @@ INSTANTIATE_TEST_SUITE_P(Rows, FinishNumber, testing::ValuesIn(kNumbers),
                          [](const auto& row) { return std::string(row.param.name); });
 
 class SurfaceFinishFolder : public DataFolder {};
+
+TEST_F(SurfaceFinishFolder, a_plain_image_asks_the_appearance_nothing)
+{
+    recording::Recorder::get().reset();
+    uoRVAppearanceProperties appearance = distinctAppearance();
+    surfaceFinishBumpFile(3, &appearance);
+    EXPECT_THAT(recording::Recorder::get().lines(), testing::IsEmpty());
+}
 
 TEST_F(SurfaceFinishFolder, knurl_without_a_number_does_not_fall_through_to_dimple)
 {
