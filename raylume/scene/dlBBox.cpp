@@ -1,6 +1,6 @@
 #include "raylume/scene/dlBBox.h"
 
-#include <math.h>
+#include <cmath>
 
 #include <algorithm>
 #include <cmath>
