@@ -1,7 +1,5 @@
 #include "raylume/scene/dlBBox.h"
 
-#include <cmath>
-
 #include <algorithm>
 #include <cmath>
 
