@@ -5,6 +5,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "raylume/load/ReaderInterface.h"
 
@@ -62,8 +63,8 @@ public:
     /// A short name, e.g. "glTF 2.0".
     virtual const char* name() const = 0;
     /// True when this format will read what stands at `path`: told by its content, not only by its
-    /// ending. Holds no file open afterwards. When it gives false for a file that it knows and cannot
-    /// open, `reason` may say why.
+    /// ending. Holds no file open afterwards. When it gives false for a path that is its own and that
+    /// it cannot open, it says why in `reason`: that ends the search, no other format is asked.
     virtual bool recognises(const std::wstring& path, std::string& reason) = 0;
     /// Reads the document. Never raises but std::bad_alloc.
     virtual ReadOutcome read(const std::wstring& path, ReadContext& context) = 0;
@@ -74,7 +75,10 @@ public:
 /// The version that documents of foreign formats are given.
 inline constexpr unsigned long kForeignDocumentVersion = 12000;
 
-/// The formats of this reader, in the order in which they are asked.
+/// The formats of this reader, in the order in which they are asked. The one list of them is in
+/// Formats.cpp.
+std::vector<std::unique_ptr<DocumentFormat>> makeFormats();
+
 std::unique_ptr<DocumentFormat> makePreparedFormat();
 std::unique_ptr<DocumentFormat> makeGltfFormat();
 

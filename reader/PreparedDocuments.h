@@ -7,6 +7,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "raylume/load/ReaderInterface.h"
@@ -16,7 +17,8 @@ namespace ovdl {
 /// One document, made anew for each read.
 ///
 /// Ownership: owns the documents, the configurations and whatever is given to own(); the reader
-///   keeps it until the document object of the read is destroyed.
+///   keeps it until the document object of the read is destroyed or reads again. The documents go
+///   first, then what is owned, the newest first.
 class OVDL_API PreparedDocument {
 public:
     PreparedDocument();
@@ -29,9 +31,9 @@ public:
     T* own(Arguments&&... arguments)
     {
         auto object = std::make_shared<T>(std::forward<Arguments>(arguments)...);
-        T* result = object.get();
+        T* made = object.get();
         owned_.push_back(std::move(object));
-        return result;
+        return made;
     }
 
     /// An array of pointers over `elements`, which live as long as the document.
@@ -58,7 +60,7 @@ public:
     std::uint32_t version = 12000;
     /// False: the document cannot be opened at all.
     bool openable = true;
-    /// True: what part or assembly answers when asked whether it is rejected.
+    /// True: part and assembly are handed out with their own `rejected` set.
     bool rejected = false;
     /// What ReadFile gives.
     OVXDLReader_FileLoadResult result = OVXDLReader_Loaded;
@@ -72,7 +74,9 @@ private:
 using DocumentFactory = std::function<std::unique_ptr<PreparedDocument>()>;
 
 /// Puts a document under a path (compared exactly). It takes the place of a file of that name and of
-/// an earlier document. The factory is called once for each read, or each probe that no read follows.
+/// an earlier document. The factory is called once for each load: what it makes for a probe serves the
+/// read that follows, or is destroyed with the next document object. A factory that is empty, gives
+/// null or raises stands for a document that cannot be opened (std::bad_alloc goes through).
 OVDL_API void prepareDocument(const std::wstring& path, DocumentFactory factory);
 /// Takes the document away; an unknown path does nothing.
 OVDL_API void forgetDocument(const std::wstring& path);

@@ -1,0 +1,126 @@
+#include <gmock/gmock.h>
+
+#include <regex>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "ElfSymbols.h"
+
+namespace {
+
+using testing::Contains;
+using testing::IsEmpty;
+using testing::Not;
+
+std::set<std::string> namesOf(const std::vector<ExportedSymbol>& symbols)
+{
+    std::set<std::string> names;
+    for (const auto& symbol : symbols)
+        names.insert(symbol.name);
+    return names;
+}
+
+bool isOfTheLanguage(const ExportedSymbol& symbol)
+{
+    // Instantiations of the standard library's templates are shared by all who have them. They name
+    // std first, or behind what they return.
+    static const std::regex standard(
+        R"(^(typeinfo for |typeinfo name for |vtable for |guard variable for )?)"
+        R"(([^(]* )?(std|__gnu_cxx)::.*)");
+    // What the sanitizers and the counting of lines add of their own.
+    static const std::regex instrumentation("^(__odr_asan|__asan|__ubsan|__gcov|mangle_path).*");
+    return (symbol.weak && std::regex_match(symbol.name, standard)) ||
+           std::regex_match(symbol.mangled, instrumentation);
+}
+
+bool isOfTheInterface(const ExportedSymbol& symbol)
+{
+    static const std::regex intended(
+        "^(typeinfo for |typeinfo name for |vtable for )?(dl[A-Z][A-Za-z]*)(::.*)?$"
+        "|^rlu_[A-Za-z0-9_]+(\\[abi:cxx11\\])?(\\(.*)?$"
+        "|^g_terminateLoad$");
+    return std::regex_match(symbol.name, intended);
+}
+
+TEST(ExportedSymbols, AreThoseOfTheInterfaceOnly)
+{
+    std::vector<std::string> others;
+    for (const auto& symbol : exportedSymbols(RAYLUME_DL_FILE))
+        if (!isOfTheInterface(symbol) && !isOfTheLanguage(symbol))
+            others.push_back(symbol.name);
+    EXPECT_THAT(others, IsEmpty());
+}
+
+TEST(ExportedSymbols, HaveWhatAHostNeeds)
+{
+    const auto names = namesOf(exportedSymbols(RAYLUME_DL_FILE));
+    for (const char* name : {"g_terminateLoad",
+                             "dlModel::ReadModel(char const*)",
+                             "dlModel::dlModel()",
+                             "dlModel::dlModel(dlModel const&)",
+                             "dlModel::operator=(dlModel const&)",
+                             "dlModel::~dlModel()",
+                             "dlModel::addDLPart(void*, dlPart*, int)",
+                             "dlModel::getDLPart(void*, int)",
+                             "dlModel::createAssemblyHierarchy()",
+                             "dlModel::updateSingletons()",
+                             "dlPart::dlPart()",
+                             "dlBody::dlBody()",
+                             "dlFace::dlFace()",
+                             "dlInstance::dlInstance()",
+                             "dlMaterial::dlMaterial()",
+                             "dlTexture::dlTexture()",
+                             "dlDecal::dlDecal()",
+                             "dlLight::dlLight()",
+                             "dlScene::dlScene()",
+                             "dlAssemblyNode::~dlAssemblyNode()",
+                             "dlBBox::getRadius()"})
+        EXPECT_THAT(names, Contains(name));
+}
+
+class HiddenName : public testing::TestWithParam<const char*> {};
+
+TEST_P(HiddenName, IsNotExported)
+{
+    for (const auto& symbol : exportedSymbols(RAYLUME_DL_FILE))
+        EXPECT_EQ(symbol.name.find(GetParam()), std::string::npos) << symbol.name;
+}
+
+INSTANTIATE_TEST_SUITE_P(Rows, HiddenName,
+                         testing::Values("applyVisualProperties", "capturePart", "g_storageRegistry",
+                                         "getRegisteredStorage", "dropRegisteredStorage", "CDispListsDocRL",
+                                         "RL_OVDL_CallBacks", "translatePartDocument",
+                                         "translateAssemblyDocument", "chooseComponents",
+                                         "attachPartDecals", "platform::"),
+                         [](const auto& row) {
+                             return std::regex_replace(std::string(row.param), std::regex("\\W"), "");
+                         });
+
+// The reader's own headers and the listed interface; nothing of the formats and of what they use.
+TEST(ExportedSymbols, OfTheReaderAreThoseOfItsInterfaceOnly)
+{
+    static const std::regex intended(
+        "^(typeinfo for |typeinfo name for |vtable for )?"
+        "(uo|mo|mg|pw|ov|su)[A-Z][A-Za-z]*(_c)?(::.*)?$"
+        "|^(typeinfo for |typeinfo name for |vtable for )?(OVDL[A-Za-z_]*|CDispListsDoc|color)(::.*)?$"
+        "|^(mg_[A-Za-z]+|restoreOleItems|SetOVDL_Callbacks)\\(.*"
+        "|^operator[-*%]\\(mg.*"
+        "|^(uo|mo|mg|pw|ov|su)[A-Z][A-Za-z]*(_c)?::operator.*"
+        "|^ovdl::(setProgressHandler|setCancelHandler|lastReason|formatNames|prepareDocument|"
+        "forgetDocument)(\\[abi:cxx11\\])?\\(.*"
+        "|^ovdl::PreparedDocument::~?PreparedDocument\\(\\)$");
+    std::vector<std::string> others;
+    for (const auto& symbol : exportedSymbols(OVDLREADER_FILE))
+        if (!std::regex_match(symbol.name, intended) && !isOfTheLanguage(symbol))
+            others.push_back(symbol.name);
+    EXPECT_THAT(others, IsEmpty());
+}
+
+TEST(ExportedSymbols, OfAFileThatIsNoLibraryAreAnError)
+{
+    EXPECT_THROW(exportedSymbols("/no such library"), std::runtime_error);
+}
+
+}  // namespace

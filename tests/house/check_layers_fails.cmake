@@ -1,0 +1,21 @@
+cmake_minimum_required(VERSION 3.25)
+# Runs the check on small trees with one wrong line each, and fails unless the check does.
+function(expect_refused name content)
+    file(REMOVE_RECURSE ${WORK})
+    file(WRITE ${WORK}/raylume/scene/A.h "#pragma once\n")
+    file(WRITE ${WORK}/raylume/lights/B.h "#pragma once\n")
+    file(WRITE ${WORK}/layers.txt "raylume/scene scene \nraylume/lights lights scene\n")
+    file(WRITE ${WORK}/raylume/scene/A.cpp "${content}\n")
+    execute_process(COMMAND ${CMAKE_COMMAND} -DROOT=${WORK} -DLAYERS=${WORK}/layers.txt -P ${CHECK}
+                    RESULT_VARIABLE status OUTPUT_QUIET ERROR_QUIET)
+    if(status EQUAL 0)
+        message(FATAL_ERROR "the check let this pass: ${name}")
+    endif()
+endfunction()
+
+expect_refused("a room that is not declared" "#include \"raylume/lights/B.h\"")
+expect_refused("a header of the operating system" "#include <unistd.h>")
+expect_refused("a header of another library" "#include <unicode/ucnv.h>")
+expect_refused("a platform condition" "#if defined(_WIN32)\n#endif")
+expect_refused("a header of nobody" "#include \"elsewhere/C.h\"")
+message(STATUS "every forbidden include is refused")

@@ -1,0 +1,17 @@
+// Appearances as glTF materials.
+#pragma once
+
+#include <nlohmann/json.hpp>
+
+#include "raylume/scene/dlMaterial.h"
+
+namespace tool {
+
+/// The metallic-roughness material that comes nearest; the table is in docs/raylume-dl.md. A valid
+/// glTF material whatever the numbers are.
+nlohmann::ordered_json gltfMaterial(const dlMaterial& material);
+
+/// True for an appearance that still has every default: nobody gave one.
+bool isUnset(const dlMaterial& material);
+
+}  // namespace tool

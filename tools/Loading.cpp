@@ -1,0 +1,121 @@
+#include "tools/Loading.h"
+
+#include <chrono>
+#include <exception>
+#include <new>
+#include <optional>
+
+#include "raylume/platform/Text.h"
+#include "reader/HostHandlers.h"
+#include "tools/Interruption.h"
+#include "tools/ProgressBar.h"
+#include "tools/TemporaryFolder.h"
+#include "tools/Values.h"
+
+namespace tool {
+namespace {
+
+/// The reader's handlers, for as long as one load takes.
+class Handlers {
+public:
+    explicit Handlers(std::ostream* progressTo)
+    {
+        ovdl::setCancelHandler(cancelled);
+        if (!progressTo)
+            return;
+        bar_.emplace(*progressTo);
+        ovdl::setProgressHandler([this](float done) { bar_->show(done); });
+    }
+    Handlers(const Handlers&) = delete;
+    Handlers& operator=(const Handlers&) = delete;
+    ~Handlers()
+    {
+        ovdl::setProgressHandler({});
+        ovdl::setCancelHandler({});
+    }
+
+private:
+    // The reader alone would leave an empty assembly; the library's flag makes the load end.
+    static bool cancelled()
+    {
+        if (!Interruption::requested())
+            return false;
+        g_terminateLoad = true;
+        return true;
+    }
+
+    std::optional<ProgressBar> bar_;
+};
+
+void readModel(const LoadRequest& request, LoadedDocument& loaded)
+{
+    std::optional<ConfigurationRequest> configuration;
+    if (!request.configuration.empty())
+        configuration.emplace(request.configuration);
+    const std::string path = platform::narrow(platform::fromUtf8(request.document));
+    const Handlers handlers(request.progressTo);
+    const auto start = std::chrono::steady_clock::now();
+    loaded.model.reset(dlModel::ReadModel(path.c_str()));
+    loaded.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    loaded.reason = oneLine(ovdl::lastReason());
+}
+
+void readModelWithoutRaising(const LoadRequest& request, LoadedDocument& loaded)
+{
+    try {
+        readModel(request, loaded);
+    } catch (const std::bad_alloc&) {
+        loaded.reason = "there is not enough memory";
+    } catch (const std::exception& error) {
+        loaded.reason = oneLine(error.what());
+    }
+}
+
+Outcome outcomeOf(const LoadedDocument& loaded)
+{
+    if (Interruption::requested())
+        return Outcome::kCancelled;
+    if (!loaded.model)
+        return Outcome::kNone;
+    return loaded.model->loadRejected ? Outcome::kRejected : Outcome::kModel;
+}
+
+}  // namespace
+
+LoadedDocument loadDocument(const LoadRequest& request)
+{
+    LoadedDocument loaded;
+    if (!platform::fitsAnsiCodePage(platform::fromUtf8(request.document)))
+        loaded.reason = "its path has characters that the ANSI code page lacks";
+    else
+        readModelWithoutRaising(request, loaded);
+    loaded.outcome = outcomeOf(loaded);
+    if (loaded.outcome == Outcome::kCancelled)
+        loaded.model.reset();
+    if (loaded.outcome == Outcome::kModel)
+        loaded.reason.clear();
+    return loaded;
+}
+
+const char* outcomeName(Outcome outcome)
+{
+    switch (outcome) {
+    case Outcome::kModel:
+        return "model";
+    case Outcome::kRejected:
+        return "rejected";
+    default:
+        return "none";
+    }
+}
+
+std::string failureLine(const std::string& document, const LoadedDocument& loaded)
+{
+    if (loaded.outcome == Outcome::kCancelled)
+        return "cancelled";
+    const std::string what = loaded.outcome == Outcome::kRejected ? "rejected: the document gives no model"
+                                                                  : "none: the document cannot be opened";
+    return oneLine(document) + ": " + what + (loaded.reason.empty() ? "" : " (" + loaded.reason + ")");
+}
+
+}  // namespace tool

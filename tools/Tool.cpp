@@ -1,0 +1,275 @@
+#include "tools/Tool.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <exception>
+#include <filesystem>
+#include <new>
+#include <optional>
+#include <string>
+#include <system_error>
+
+#include "tools/GltfExport.h"
+#include "tools/InfoReport.h"
+#include "tools/Interruption.h"
+#include "tools/Loading.h"
+#include "tools/MaterialsReport.h"
+#include "tools/OutputFile.h"
+#include "tools/TemporaryFolder.h"
+#include "tools/TreeReport.h"
+#include "tools/Values.h"
+
+namespace tool {
+namespace {
+
+constexpr char kProgram[] = "raylume-dl";
+
+struct Options {
+    std::string document;
+    std::string output;
+    std::string configuration;
+    bool json = false;
+    DepthLimit depth;
+};
+
+/// Something that the person at the terminal did not mean.
+struct BadUsage : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+// The library's own test of a range prints the whole range.
+std::string isCount(const std::string& text)
+{
+    const bool digits = std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+    return digits && text.size() <= 9 ? "" : "\"" + text + "\" is no number of levels";
+}
+
+class CommandLine {
+public:
+    CommandLine()
+        : app_("Shows what the display list module makes of a CAD document.", kProgram),
+          info_(addCommand("info", "Outcome, version, counts, box and load time of a document.")),
+          tree_(addCommand("tree", "Component tree of a document.")),
+          materials_(addCommand("materials", "Appearances of a document, and their textures.")),
+          export_(addCommand("export", "Writes the loaded model as a binary glTF 2.0 file."))
+    {
+        app_.require_subcommand(1);
+        app_.set_version_flag("--version", std::string(kProgram) + " " RAYLUME_VERSION);
+        app_.add_option("--configuration", options_.configuration,
+                        "Loads that configuration of an assembly, where the document has it.")
+            ->type_name("NAME");
+        for (CLI::App* command : {info_, tree_, materials_})
+            command->add_flag("--json", options_.json, "Writes JSON.");
+        tree_->add_option("--depth", options_.depth, "Shows that many levels below the root.")
+            ->type_name("N")
+            ->check(isCount);
+        export_->add_option("OUT", options_.output, "The file to write (.glb).")->required()->type_name("");
+    }
+
+    const Options& parse(int argumentCount, const char* const* arguments)
+    {
+        app_.parse(argumentCount, arguments);
+        if (options_.configuration.find_first_of("\r\n") != std::string::npos)
+            throw BadUsage("the name of a configuration is one line");
+        return options_;
+    }
+
+    bool isInfo() const { return info_->parsed(); }
+    bool isTree() const { return tree_->parsed(); }
+    bool isMaterials() const { return materials_->parsed(); }
+    bool isExport() const { return export_->parsed(); }
+
+    CLI::App& app() { return app_; }
+
+    /// What is wrong with arguments that the parser refused.
+    std::string whyRefused(const CLI::ParseError& error) const
+    {
+        if (dynamic_cast<const CLI::RequiredError*>(&error) && app_.get_subcommands().empty()) {
+            const auto unknown = app_.remaining();
+            return unknown.empty() ? "a command is missing"
+                                   : "there is no command \"" + unknown.front() + "\"";
+        }
+        return error.what();
+    }
+
+private:
+    CLI::App* addCommand(const char* name, const char* description)
+    {
+        CLI::App* command = app_.add_subcommand(name, description);
+        command->fallthrough();
+        command->add_option("DOC", options_.document, "The document.")->required()->type_name("");
+        return command;
+    }
+
+    CLI::App app_;
+    Options options_;
+    CLI::App* info_;
+    CLI::App* tree_;
+    CLI::App* materials_;
+    CLI::App* export_;
+};
+
+void say(std::ostream& err, const std::string& line)
+{
+    err << kProgram << ": " << oneLine(line) << '\n';
+}
+
+/// One command on one document.
+class Command {
+public:
+    Command(const CommandLine& line, const Options& options, std::ostream& out, std::ostream& err,
+            bool terminal)
+        : line_(line), options_(options), out_(out), err_(err), terminal_(terminal)
+    {
+    }
+
+    int run()
+    {
+        interruption_.emplace();
+        if (line_.isExport())
+            refuseBadOutput();
+        LoadedDocument loaded =
+            loadDocument({options_.document, options_.configuration, terminal_ ? &err_ : nullptr});
+        if (line_.isExport() && loaded.outcome == Outcome::kModel)
+            return exportTo(*loaded.model);
+        // There is nothing left to clean up: from here on an interrupt may end the process at once.
+        interruption_.reset();
+        if (loaded.outcome != Outcome::kModel)
+            return reportFailure(loaded);
+        writeResult(loaded);
+        return finish();
+    }
+
+private:
+    // Found out before a long load, not after it.
+    void refuseBadOutput()
+    {
+        std::error_code failed;
+        if (std::filesystem::equivalent(options_.document, options_.output, failed))
+            throw BadUsage("the file to write is the document itself");
+        const std::string obstacle = whyNotWritable(options_.output);
+        if (!obstacle.empty())
+            refuseOutput(obstacle);
+    }
+
+    [[noreturn]] void refuseOutput(const std::string& why)
+    {
+        throw std::runtime_error(options_.output + ": the file cannot be written (" + why + ")");
+    }
+
+    int reportFailure(const LoadedDocument& loaded)
+    {
+        if (line_.isInfo() && loaded.outcome != Outcome::kCancelled)
+            writeInfo(loaded);
+        out_.flush();
+        say(err_, failureLine(options_.document, loaded));
+        return kNoModel;
+    }
+
+    void writeInfo(const LoadedDocument& loaded)
+    {
+        if (options_.json)
+            writeInfoJson(loaded, out_);
+        else
+            writeInfoText(options_.document, loaded, out_);
+    }
+
+    void writeResult(const LoadedDocument& loaded)
+    {
+        if (line_.isInfo())
+            writeInfo(loaded);
+        else if (line_.isTree())
+            (options_.json ? writeTreeJson : writeTreeText)(*loaded.model, options_.depth, out_);
+        else
+            (options_.json ? writeMaterialsJson : writeMaterialsText)(*loaded.model, out_);
+    }
+
+    int finish()
+    {
+        out_.flush();
+        if (out_)
+            return kModelLoaded;
+        say(err_, "the results cannot be written");
+        return kNoModel;
+    }
+
+    int exportTo(const dlModel& model)
+    {
+        const GltfDocument document = exportModel(model, Interruption::requested);
+        if (glbSize(document) > kLargestGlb)
+            refuseOutput("a binary glTF file holds 4 GiB, and the model takes more");
+        try {
+            writeWhole(options_.output, [&](std::ostream& file) {
+                writeGlb(document, file);
+                if (Interruption::requested())
+                    throw ExportCancelled();
+            });
+        } catch (const ExportCancelled&) {
+            throw;
+        } catch (const std::runtime_error& error) {
+            refuseOutput(error.what());
+        }
+        sayWhatIsMissing(document.notes);
+        return kModelLoaded;
+    }
+
+    void sayWhatIsMissing(const ExportNotes& notes)
+    {
+        if (notes.trianglesWithoutPlace > 0)
+            say(err_, counted(notes.trianglesWithoutPlace, "triangle") +
+                          " left out: coordinates that are no finite numbers");
+        if (notes.instancesWithoutPlace > 0)
+            say(err_, counted(notes.instancesWithoutPlace, "instance") +
+                          " left without a mesh: placements that are no finite numbers");
+    }
+
+    const CommandLine& line_;
+    const Options& options_;
+    std::ostream& out_;
+    std::ostream& err_;
+    const bool terminal_;
+    std::optional<Interruption> interruption_;
+};
+
+int runParsed(CommandLine& line, const Options& options, std::ostream& out, std::ostream& err,
+              bool terminal)
+{
+    try {
+        provideTemporaryFolder();
+        return Command(line, options, out, err, terminal).run();
+    } catch (const std::bad_alloc&) {
+        say(err, "there is not enough memory");
+    } catch (const BadUsage&) {
+        throw;
+    } catch (const std::exception& error) {
+        say(err, error.what());
+    }
+    return kNoModel;
+}
+
+int refuse(CommandLine& line, const std::string& why, std::ostream& err)
+{
+    say(err, why);
+    err << '\n' << line.app().help();
+    return kBadUsage;
+}
+
+}  // namespace
+
+int run(int argumentCount, const char* const* arguments, std::ostream& out, std::ostream& err,
+        bool terminal)
+{
+    CommandLine line;
+    try {
+        const Options& options = line.parse(argumentCount, arguments);
+        return runParsed(line, options, out, err, terminal);
+    } catch (const CLI::ParseError& error) {
+        if (error.get_exit_code() != 0)
+            return refuse(line, line.whyRefused(error), err);
+        return line.app().exit(error, out, err);
+    } catch (const BadUsage& error) {
+        return refuse(line, error.what(), err);
+    }
+}
+
+}  // namespace tool
