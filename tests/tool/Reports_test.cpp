@@ -131,7 +131,7 @@ TEST(TreeReports, WorkForATreeDeeperThanTheStack)
     builder.instance("leaf-1@t", &part);
     const auto model = ModelBuilder::withTree(builder.build());
     dlAssemblyNode* node = model->assemblyRoot;
-    const int depth = 200000;
+    const int depth = 60000;
     for (int i = 0; i < depth; ++i) {
         auto* child = new dlAssemblyNode;
         child->parent = node;
@@ -140,7 +140,7 @@ TEST(TreeReports, WorkForATreeDeeperThanTheStack)
         node->children["n"] = child;
         node = child;
     }
-    EXPECT_NE(treeText(*model, {}).find("[level 200000] n"), std::string::npos);
+    EXPECT_NE(treeText(*model, {}).find("[level 60000] n"), std::string::npos);
     std::ostringstream out;
     tool::writeTreeJson(*model, {}, out);
     const std::string text = out.str();
