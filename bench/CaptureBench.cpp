@@ -238,11 +238,11 @@ BENCHMARK(assembly)->Arg(10000)->Arg(100000)->UseManualTime()->Unit(benchmark::k
 
 // ------------------------------------------------------------------------------------- warm pages
 
-// Large arrays come from pages that were used before, so that the time of the page faults, which say
+// Arrays come from pages that were used before, so that the time of the page faults, which say
 // more about the system than about the capture, is left out.
 namespace {
 
-constexpr std::size_t kKeptFrom = std::size_t{1} << 18;
+constexpr std::size_t kKeptFrom = std::size_t{1} << 12;
 constexpr std::size_t kHeader = 64;
 
 std::multimap<std::size_t, char*>& keptBlocks()
