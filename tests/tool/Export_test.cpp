@@ -103,6 +103,15 @@ std::vector<Triangle> trianglesOf(const dlPart& part)
     return triangles;
 }
 
+long long triangleCountOf(const dlPart& part)
+{
+    long long count = 0;
+    for (std::int32_t b = 0; b < part.bodyCount; ++b)
+        for (std::int32_t f = 0; f < part.bodies[b].faceCount; ++f)
+            count += part.bodies[b].faces[f].triangleCount;
+    return count;
+}
+
 // Within the given share of the largest number.
 void expectSameNumbers(const float* a, const float* b, int count, float tolerance)
 {
@@ -119,7 +128,9 @@ void expectSameModel(dlModel& before, dlModel& after, float tolerance)
     ASSERT_EQ(before.instanceCount, after.instanceCount);
     for (std::int32_t i = 0; i < before.instanceCount; ++i) {
         expectSameNumbers(before.instances[i].xform.m, after.instances[i].xform.m, 16, tolerance);
-        EXPECT_EQ(trianglesOf(*before.instances[i].part), trianglesOf(*after.instances[i].part)) << i;
+        const auto triangles = trianglesOf(*after.instances[i].part);
+        EXPECT_EQ(trianglesOf(*before.instances[i].part), triangles) << i;
+        EXPECT_EQ(triangleCountOf(*after.instances[i].part), static_cast<long long>(triangles.size())) << i;
     }
     ASSERT_EQ(before.bbox.isSet(), after.bbox.isSet());
     expectSameNumbers(before.bbox.min, after.bbox.min, 3, tolerance);
@@ -254,6 +265,16 @@ const RoundTrip kRoundTrips[] = {
                      b.component(L"b-1@t", b.simplePart({band(1)}))});
      },
      0},
+    {"parts_without_triangles",
+     [](DocumentBuilder& b) {
+         b.assembly({b.component(L"bodiless-1@t", b.part({})),
+                     b.component(L"faceless-1@t", b.part({b.body({})})),
+                     b.component(L"stripless-1@t", b.simplePart({})),
+                     b.component(L"short-1@t", b.simplePart({{}, {}})),
+                     b.component(L"whole-1@t", b.simplePart({band(2)}))});
+     },
+     0},
+    {"a_part_document_without_triangles", [](DocumentBuilder& b) { b.partDocument(b.part({})); }, 0},
     {"a_part_document",
      [](DocumentBuilder& b) {
          b.partDocument(b.part({b.body({b.face({band(4)}), b.face({band(2, 1)})})}));
@@ -342,12 +363,14 @@ TEST(Export, OfAnEmptyModelIsValid)
     exportedJson(dlModel());
 }
 
-TEST(Export, OfAPartWithoutTrianglesHasNoMesh)
+TEST(Export, OfAPartWithoutTrianglesDrawsNothing)
 {
     const json made = exportedJson(*oneInstance({{}, {}, {}}));
-    EXPECT_EQ(made["nodes"].size(), 1u);
     EXPECT_EQ(made["nodes"][0]["name"], "a");
-    EXPECT_FALSE(made.contains("meshes"));
+    EXPECT_EQ(made["nodes"][0]["mesh"], 0);
+    EXPECT_EQ(made["meshes"][0]["primitives"][0]["mode"], 1);
+    EXPECT_EQ(made["accessors"][0]["min"], made["accessors"][0]["max"]);
+    EXPECT_EQ(made["accessors"].size(), 1u);
 }
 
 TEST(Export, CountsTrianglesWithoutAPlace)
