@@ -451,6 +451,57 @@ TEST(GltfMaterial, TurnsTransparencyIntoBlending)
     EXPECT_EQ(written["alphaMode"], "BLEND");
 }
 
+TEST(GltfMaterial, TurnsShininessIntoSmoothness)
+{
+    dlMaterial material;
+    material.shininess = 0.75f;
+    material.specular = 0.75f * 0.04f;
+    auto pbr = tool::gltfMaterial(material)["pbrMetallicRoughness"];
+    EXPECT_EQ(pbr["roughnessFactor"], 0.25);
+    EXPECT_NEAR(pbr["metallicFactor"].get<double>(), 0, 1e-7);
+    material.specular = 0.75f;
+    EXPECT_EQ(tool::gltfMaterial(material)["pbrMetallicRoughness"]["metallicFactor"], 1.0);
+    material.specular = 0.75f * 0.52f;
+    pbr = tool::gltfMaterial(material)["pbrMetallicRoughness"];
+    EXPECT_NEAR(pbr["metallicFactor"].get<double>(), 0.5, 1e-7);
+}
+
+struct EmissionCase {
+    const char* name;
+    std::array<float, 3> colour;
+    std::uint32_t second;
+    float emission;
+    std::array<double, 3> factor;
+};
+const EmissionCase kEmissions[] = {
+    {"shines_in_its_own_colour", {1, 0, 0}, 0x00FFFFFF, 0.5f, {0.5, 0, 0}},
+    {"the_top_byte_is_no_colour", {1, 0, 0}, 0xABFFFFFF, 0.5f, {0.5, 0, 0}},
+    {"shines_in_the_second_colour", {1, 0, 0}, 0x0000FF00, 0.25f, {0, 0.25, 0}},
+    {"black_shines_white", {0, 0, 0}, 0x00FFFFFF, 1.0f, {1, 1, 1}},
+    {"the_strongest_part_has_the_strength", {0, 0, 0}, 0x00000080, 1.0f, {1, 0, 0}},
+};
+class Emissions : public testing::TestWithParam<EmissionCase> {};
+TEST_P(Emissions, HaveColourAndStrength)
+{
+    dlMaterial material;
+    std::copy_n(GetParam().colour.begin(), 3, material.color);
+    material.secondColorRef = GetParam().second;
+    material.emission = GetParam().emission;
+    const auto written = tool::gltfMaterial(material);
+    for (int i = 0; i < 3; ++i)
+        EXPECT_EQ(written["emissiveFactor"][i], GetParam().factor[i]) << i;
+}
+INSTANTIATE_TEST_SUITE_P(Rows, Emissions, testing::ValuesIn(kEmissions),
+                         [](const auto& row) { return row.param.name; });
+
+TEST(GltfMaterial, IsDarkWithoutAColourToShineIn)
+{
+    dlMaterial material;
+    material.secondColorRef = 0;
+    material.emission = 1;
+    EXPECT_FALSE(tool::gltfMaterial(material).contains("emissiveFactor"));
+}
+
 TEST(GltfMaterial, KeepsEveryFactorInRange)
 {
     dlMaterial material;
