@@ -1,7 +1,5 @@
 #include "raylume/scene/dlBBox.h"
 
-#include <math.h>
-
 #include <algorithm>
 #include <cmath>
 
