@@ -1,9 +1,11 @@
 #include "tools/Tool.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <exception>
 #include <filesystem>
 #include <new>
+#include <optional>
 #include <string>
 #include <system_error>
 
@@ -35,6 +37,13 @@ struct BadUsage : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+// The library's own test of a range prints the whole range.
+std::string isCount(const std::string& text)
+{
+    const bool digits = std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+    return digits && text.size() <= 9 ? "" : "\"" + text + "\" is no number of levels";
+}
+
 class CommandLine {
 public:
     CommandLine()
@@ -53,7 +62,7 @@ public:
             command->add_flag("--json", options_.json, "Writes JSON.");
         tree_->add_option("--depth", options_.depth, "Shows that many levels below the root.")
             ->type_name("N")
-            ->check(CLI::NonNegativeNumber);
+            ->check(isCount);
         export_->add_option("OUT", options_.output, "The file to write (.glb).")->required()->type_name("");
     }
 
@@ -71,6 +80,17 @@ public:
     bool isExport() const { return export_->parsed(); }
 
     CLI::App& app() { return app_; }
+
+    /// What is wrong with arguments that the parser refused.
+    std::string whyRefused(const CLI::ParseError& error) const
+    {
+        if (dynamic_cast<const CLI::RequiredError*>(&error) && app_.get_subcommands().empty()) {
+            const auto unknown = app_.remaining();
+            return unknown.empty() ? "a command is missing"
+                                   : "there is no command \"" + unknown.front() + "\"";
+        }
+        return error.what();
+    }
 
 private:
     CLI::App* addCommand(const char* name, const char* description)
@@ -105,14 +125,17 @@ public:
 
     int run()
     {
+        interruption_.emplace();
         if (line_.isExport())
             refuseBadOutput();
         LoadedDocument loaded =
             loadDocument({options_.document, options_.configuration, terminal_ ? &err_ : nullptr});
+        if (line_.isExport() && loaded.outcome == Outcome::kModel)
+            return exportTo(*loaded.model);
+        // There is nothing left to clean up: from here on an interrupt may end the process at once.
+        interruption_.reset();
         if (loaded.outcome != Outcome::kModel)
             return reportFailure(loaded);
-        if (line_.isExport())
-            return exportTo(*loaded.model);
         writeResult(loaded);
         return finish();
     }
@@ -126,7 +149,12 @@ private:
             throw BadUsage("the file to write is the document itself");
         const std::string obstacle = whyNotWritable(options_.output);
         if (!obstacle.empty())
-            throw std::runtime_error(options_.output + " cannot be written: " + obstacle);
+            refuseOutput(obstacle);
+    }
+
+    [[noreturn]] void refuseOutput(const std::string& why)
+    {
+        throw std::runtime_error(options_.output + ": the file cannot be written (" + why + ")");
     }
 
     int reportFailure(const LoadedDocument& loaded)
@@ -169,9 +197,7 @@ private:
     {
         const GltfDocument document = exportModel(model, Interruption::requested);
         if (glbSize(document) > kLargestGlb)
-            throw std::runtime_error(
-                options_.output +
-                " cannot be written: the model is larger than the 4 GiB of a binary glTF file");
+            refuseOutput("a binary glTF file holds 4 GiB, and the model takes more");
         try {
             writeWhole(options_.output, [&](std::ostream& file) {
                 writeGlb(document, file);
@@ -181,7 +207,7 @@ private:
         } catch (const ExportCancelled&) {
             throw;
         } catch (const std::runtime_error& error) {
-            throw std::runtime_error(options_.output + " cannot be written: " + error.what());
+            refuseOutput(error.what());
         }
         sayWhatIsMissing(document.notes);
         return kModelLoaded;
@@ -202,13 +228,13 @@ private:
     std::ostream& out_;
     std::ostream& err_;
     const bool terminal_;
+    std::optional<Interruption> interruption_;
 };
 
 int runParsed(CommandLine& line, const Options& options, std::ostream& out, std::ostream& err,
               bool terminal)
 {
     try {
-        const Interruption interruption;
         provideTemporaryFolder();
         return Command(line, options, out, err, terminal).run();
     } catch (const std::bad_alloc&) {
@@ -221,7 +247,7 @@ int runParsed(CommandLine& line, const Options& options, std::ostream& out, std:
     return kNoModel;
 }
 
-int refuse(CommandLine& line, const char* why, std::ostream& err)
+int refuse(CommandLine& line, const std::string& why, std::ostream& err)
 {
     say(err, why);
     err << '\n' << line.app().help();
@@ -239,7 +265,7 @@ int run(int argumentCount, const char* const* arguments, std::ostream& out, std:
         return runParsed(line, options, out, err, terminal);
     } catch (const CLI::ParseError& error) {
         if (error.get_exit_code() != 0)
-            return refuse(line, error.what(), err);
+            return refuse(line, line.whyRefused(error), err);
         return line.app().exit(error, out, err);
     } catch (const BadUsage& error) {
         return refuse(line, error.what(), err);

@@ -81,11 +81,10 @@ protected:
     {
         indent(depth);
         out_ << shown(token ? *token : rootTitle(node));
-        out_ << "  (" << counted(node.subtreeCount, "instance")
-             << (cut && !node.children.empty()
-                     ? ", " + counted(static_cast<long long>(node.children.size()), "subassembly group")
-                     : "")
-             << (cut ? ", not shown" : "") << ")\n";
+        out_ << "  (" << counted(node.subtreeCount, "instance");
+        if (cut)
+            out_ << subassemblies(node.children.size()) << ", not shown";
+        out_ << ")\n";
     }
     void instance(const dlInstance& instance, std::size_t depth) override
     {
@@ -100,6 +99,12 @@ protected:
     void leave(std::size_t) override {}
 
 private:
+    static std::string subassemblies(std::size_t count)
+    {
+        if (count == 0)
+            return "";
+        return ", " + std::to_string(count) + (count == 1 ? " subassembly" : " subassemblies");
+    }
     static std::string shown(const std::string& text) { return oneLine(utf8(text)); }
 
     const std::string& rootTitle(const dlAssemblyNode& root) const

@@ -1,6 +1,5 @@
 #include "raylume/scene/dlBBox.h"
 
-#include <algorithm>
 #include <cmath>
 
 #include "raylume/load/ReaderMaths.h"

@@ -55,8 +55,6 @@ void expectSame3(const float (&actual)[3], const float (&expected)[3])
         EXPECT_EQ(bitsOf(actual[i]), bitsOf(expected[i])) << i;
 }
 
-// ---------------------------------------------------------------------------------------- lighting
-
 class MaterialLighting : public Material {
 protected:
     void SetUp() override
@@ -168,8 +166,6 @@ TEST_P(VisualFlag, IsNeitherTheActiveNorTheInheritFlag)
 
 INSTANTIATE_TEST_SUITE_P(Rows, VisualFlag, testing::ValuesIn(kFlagValues), kRowName);
 
-// ------------------------------------------------------------------------------------------- names
-
 TEST_F(Material, has_the_names_of_the_document)
 {
     source_.material.idName = L"id";
@@ -263,8 +259,6 @@ TEST_F(Material, a_second_fill_doubles_every_text)
     EXPECT_EQ(material_.texture.filename, L"word.word.");
 }
 
-// ----------------------------------------------------------------------------------- appearance name
-
 struct AppearanceNameCase {
     const char* name;
     const wchar_t* file;
@@ -325,8 +319,6 @@ TEST_F(Material, without_a_material_file_the_appearance_name_is_the_base_name)
     EXPECT_EQ(apply().appearanceName, "steel");
 }
 
-// ------------------------------------------------------------------------------------------ shader
-
 struct ShaderNameCase {
     const char* name;
     const char* before;
@@ -372,8 +364,6 @@ TEST_F(Material, a_second_fill_appends_the_shader_to_the_rewritten_one)
     apply();
     EXPECT_EQ(apply().shaderName, "custom_texturetexture");
 }
-
-// ------------------------------------------------------------------------------- render appearance
 
 void fillDistinct(uoRVAppearanceProperties& appearance)
 {
@@ -533,8 +523,6 @@ TEST_F(Material, without_a_render_appearance_its_fields_keep_their_defaults)
     EXPECT_FALSE(material_.lfpAppearance);
 }
 
-// ------------------------------------------------------------------------------------------- flags
-
 // What one value of the flag word makes of a material whose two levels are on offer.
 struct FlagEffect {
     bool a = false, b = false, c = false, d = false, lfp = false;
@@ -609,8 +597,6 @@ TEST(FlagWord, with_only_the_bits_of_no_meaning_has_no_effect)
     EXPECT_EQ(effectOf(~(1u << 5 | 1u << 6 | 1u << 9 | 1u << 10 | 1u << 11 | 1u << 12 | 1u << 14)),
               FlagEffect());
 }
-
-// ------------------------------------------------------------------------------------------ texture
 
 class Placement : public Material {
 protected:
@@ -817,8 +803,6 @@ TEST_F(Material, the_bump_image_needs_a_render_appearance)
     EXPECT_EQ(material_.surfaceFinish, 3);
 }
 
-// ---------------------------------------------------------------------------------------- questions
-
 TEST_F(Placement, asks_the_image_for_its_placement_and_again_for_its_centre)
 {
     recording::Recorder::get().reset();
@@ -840,8 +824,6 @@ TEST_F(Placement, asks_an_image_that_is_not_mapped_nothing)
     apply();
     EXPECT_THAT(recording::Recorder::get().linesBeginning({"image."}), testing::IsEmpty());
 }
-
-// ------------------------------------------------------------------------------------------- colour
 
 TEST(ColourBytes, every_value_of_every_channel_is_divided_by_255)
 {

@@ -1,6 +1,6 @@
 #include <gmock/gmock.h>
 
-#include <filesystem>
+#include <algorithm>
 #include <new>
 #include <stdexcept>
 #include <type_traits>

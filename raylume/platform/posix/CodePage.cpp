@@ -144,6 +144,18 @@ char16_t asByteHasIt(char16_t character)
     }
 }
 
+// For characters of private use the library fits the best that it has, whatever it is told; such a
+// one is taken out of the text before it.
+UChar32 withoutPrivateFit(UConverter* converter, UChar32 character)
+{
+    if (character < 0xE000 || character > 0xF8FF) {
+        return character;
+    }
+    const char16_t unit = static_cast<char16_t>(character);
+    const bool isExact = unitsOf(converter, bytesOf(converter, {&unit, 1})) == std::u16string(1, unit);
+    return isExact ? character : kReplacementCharacter;
+}
+
 std::string allAscii()
 {
     std::string bytes;
@@ -221,13 +233,14 @@ const CodePage* findCodePage(int number)
 
 std::string encode(const CodePage& page, std::wstring_view text)
 {
+    UConverter* const converter = keptConverter(page);
     std::u16string units;
     units.reserve(text.size());
     for (const wchar_t character : text) {
-        const UChar32 value = scalarValue(character);
+        const UChar32 value = withoutPrivateFit(converter, scalarValue(character));
         appendUtf16(units, page.rotatesControls ? asTableHasIt(value) : value);
     }
-    return bytesOf(keptConverter(page), units);
+    return bytesOf(converter, units);
 }
 
 std::wstring decode(const CodePage& page, std::string_view bytes)

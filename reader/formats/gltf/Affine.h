@@ -1,0 +1,26 @@
+// Placements of nodes: affine transforms in double precision.
+#pragma once
+
+#include <array>
+
+namespace ovdl::gltf {
+
+/// The images of the three axes and the translation, one after another: what the first three rows of
+/// a glTF matrix hold, column by column.
+struct Affine {
+    std::array<double, 12> m = {1, 0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0};
+
+    bool operator==(const Affine&) const = default;
+};
+
+/// The transform that applies `inner` first.
+Affine compose(const Affine& outer, const Affine& inner);
+/// From a column-major 4 by 4 matrix, whose last row is left out.
+Affine fromMatrix(const std::array<double, 16>& matrix);
+/// Scale first, then the rotation of the quaternion x, y, z, w (normalised; a zero one is no
+/// rotation), then the translation.
+Affine fromParts(const std::array<double, 3>& translation, const std::array<double, 4>& rotation,
+                 const std::array<double, 3>& scale);
+bool isFinite(const Affine& transform);
+
+}  // namespace ovdl::gltf

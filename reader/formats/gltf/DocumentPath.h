@@ -1,0 +1,16 @@
+// The path of the document at hand and what derives from it.
+#pragma once
+
+#include <string>
+
+namespace ovdl::gltf {
+
+struct DocumentPath {
+    explicit DocumentPath(const std::wstring& path);
+
+    std::wstring path;
+    std::wstring folder;  ///< With the separator at its end; empty for a bare file name.
+    std::wstring stem;    ///< The file's name without folder and last ending.
+};
+
+}  // namespace ovdl::gltf

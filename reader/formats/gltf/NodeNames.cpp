@@ -1,0 +1,93 @@
+#include "reader/formats/gltf/NodeNames.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+#include <random>
+
+namespace ovdl::gltf {
+namespace {
+
+bool cuts(char character)
+{
+    return character == '/' || character == '@';
+}
+
+}  // namespace
+
+std::wstring cleanName(std::wstring name)
+{
+    std::replace_if(
+        name.begin(), name.end(), [](wchar_t c) { return c == L'/' || c == L'@'; }, L'_');
+    return name;
+}
+
+NodeNames::NodeNames(Records& records)
+{
+    for (MeshRecord& mesh : records.meshes)
+        clean(mesh.name);
+    for (std::size_t i = 0; i < records.nodes.size(); ++i) {
+        NodeRecord& node = records.nodes[i];
+        if (!node.name.empty())
+            clean(node.name);
+        else if (node.mesh != kNone && !records.meshes[static_cast<std::size_t>(node.mesh)].name.empty())
+            node.name = records.meshes[static_cast<std::size_t>(node.mesh)].name;
+        else
+            node.name = made_.emplace_back("node" + std::to_string(i));
+    }
+}
+
+void NodeNames::clean(std::string_view& name)
+{
+    if (std::none_of(name.begin(), name.end(), cuts))
+        return;
+    std::string& cleaned = made_.emplace_back(name);
+    std::replace_if(cleaned.begin(), cleaned.end(), cuts, '_');
+    name = cleaned;
+}
+
+// The seed is another in each process, so that nobody can write a document whose names all collide.
+SiblingNumbers::SiblingNumbers(const Records& records)
+    : records_(records), numbers_(records.nodes.size()), seed_(std::random_device{}() | 1u)
+{
+}
+
+std::uint64_t SiblingNumbers::hash(std::string_view name) const
+{
+    constexpr std::uint64_t kFactor = 0x9E3779B97F4A7C15u;
+    std::uint64_t state = seed_ * kFactor + name.size();
+    for (std::size_t i = 0; i < name.size(); i += 8) {
+        std::uint64_t word = 0;
+        std::memcpy(&word, name.data() + i, std::min<std::size_t>(8, name.size() - i));
+        state = (std::rotl(state, 27) ^ word) * kFactor;
+        state ^= state >> 29;
+    }
+    return state ^ state >> 32;
+}
+
+SiblingNumbers::Slot& SiblingNumbers::slotOf(std::string_view name)
+{
+    for (std::size_t i = hash(name) & mask_;; i = (i + 1) & mask_) {
+        Slot& slot = slots_[i];
+        if (slot.round != round_ || records_.nodes[slot.node].name == name)
+            return slot;
+    }
+}
+
+void SiblingNumbers::assign(const std::uint32_t* nodes, std::size_t count)
+{
+    if (2 * count > slots_.size()) {
+        slots_.assign(std::bit_ceil(2 * count), Slot{});
+        mask_ = slots_.size() - 1;
+        round_ = 0;
+    }
+    ++round_;
+    for (std::size_t i = 0; i < count; ++i) {
+        Slot& slot = slotOf(records_.nodes[nodes[i]].name);
+        if (slot.round != round_)
+            slot = {round_, nodes[i], 0};
+        numbers_[nodes[i]] = ++slot.count;
+    }
+}
+
+}  // namespace ovdl::gltf
