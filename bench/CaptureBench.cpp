@@ -238,26 +238,29 @@ BENCHMARK(assembly)->Arg(10000)->Arg(100000)->UseManualTime()->Unit(benchmark::k
 
 // ------------------------------------------------------------------------------------- warm pages
 
-// Large arrays come from pages that were used before, so that the time of the page faults, which say
+// Arrays come from pages that were used before, so that the time of the page faults, which say
 // more about the system than about the capture, is left out.
 namespace {
 
-constexpr std::size_t kKeptFrom = std::size_t{1} << 18;
+constexpr std::size_t kKeptFrom = std::size_t{1} << 12;
 constexpr std::size_t kHeader = 64;
 
-std::multimap<std::size_t, char*>& keptBlocks()
+using Blocks = std::vector<char*>;
+
+// Never destroyed: arrays are freed until the very end.
+Blocks& keptBlocks(std::size_t size)
 {
-    static auto* blocks = new std::multimap<std::size_t, char*>;
-    return *blocks;
+    static auto* blocks = new std::map<std::size_t, Blocks>;
+    return (*blocks)[size];
 }
 
 char* takeKept(std::size_t size)
 {
-    const auto entry = keptBlocks().find(size);
-    if (entry == keptBlocks().end())
+    Blocks& blocks = keptBlocks(size);
+    if (blocks.empty())
         return nullptr;
-    char* block = entry->second;
-    keptBlocks().erase(entry);
+    char* block = blocks.back();
+    blocks.pop_back();
     return block;
 }
 
@@ -267,8 +270,7 @@ void* operator new[](std::size_t size)
 {
     char* block = size >= kKeptFrom ? takeKept(size) : nullptr;
     if (!block)
-        block = static_cast<char*>(
-            std::aligned_alloc(kHeader, kHeader + (size + kHeader - 1) / kHeader * kHeader));
+        block = static_cast<char*>(std::malloc(kHeader + size));
     if (!block)
         throw std::bad_alloc();
     std::memcpy(block, &size, sizeof size);
@@ -283,7 +285,7 @@ void operator delete[](void* array) noexcept
     std::size_t size = 0;
     std::memcpy(&size, block, sizeof size);
     if (size >= kKeptFrom)
-        keptBlocks().emplace(size, block);
+        keptBlocks(size).push_back(block);
     else
         std::free(block);
 }

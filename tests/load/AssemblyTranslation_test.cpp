@@ -251,6 +251,28 @@ TEST_F(AssemblyTranslation, TellsManyPartsApart)
     }
 }
 
+TEST_F(AssemblyTranslation, TellsManyConfigurationsOfOnePartApart)
+{
+    constexpr int kConfigurations = 600;
+    build::Part source;
+    std::vector<std::unique_ptr<Component>> owned;
+    std::vector<uoTempAssemblySHDData_c*> list;
+    for (int index = 0; index < 2 * kConfigurations; ++index) {
+        owned.push_back(std::make_unique<Component>(L"c", &source, index % kConfigurations));
+        list.push_back(owned.back().get());
+    }
+    Components components;
+    components.assign(list);
+    translate(components);
+    ASSERT_EQ(model.instanceCount, 2 * kConfigurations);
+    EXPECT_EQ(model.parts.at(&source).size(), static_cast<std::size_t>(kConfigurations));
+    for (int index = 0; index < model.instanceCount; ++index) {
+        dlPart* expected = model.getDLPart(&source, index % kConfigurations);
+        EXPECT_EQ(model.instances[index].part, expected) << index;
+        EXPECT_EQ(expected->instanceUseCount, 2);
+    }
+}
+
 TEST_F(AssemblyTranslation, AddsThePartBeforeItIsCapturedAndCapturesBeforeTheDecals)
 {
     Component component(L"c-1@a", &bolt.part);
@@ -668,6 +690,18 @@ TEST_F(AssemblyTranslation, KeepsAnimatedInstancesOfDifferentNamesApart)
     const auto& groups = partOf(bolt)->associatedInstances;
     ASSERT_EQ(groups.size(), 2u);
     EXPECT_THAT(groups.at(&model.instances[0]), ElementsAre(&model.instances[0], &model.instances[2]));
+}
+
+// The flag has to stand before the grouping: it is the later instance alone that is animated.
+TEST_F(AssemblyTranslation, KeepsAnAnimatedInstanceApartFromAnEarlierOneThatIsNot)
+{
+    Component still(L"c-1@a", &bolt.part);
+    Component animated(L"c-2@a", &bolt.part);
+    Components components{&still, &animated};
+    model.animationTracks[L"any"];
+    standIns().animatedNames = {"c-2@a"};
+    translate(components);
+    EXPECT_EQ(partOf(bolt)->associatedInstances.size(), 2u);
 }
 
 TEST_F(AssemblyTranslation, CallsTheLightsAfterTheInstancesAndLeavesTheSceneAlone)

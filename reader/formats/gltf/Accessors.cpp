@@ -17,12 +17,16 @@ std::size_t componentSize(std::int32_t type)
 {
     switch (type) {
     case kInt8:
-    case kUint8: return 1;
+    case kUint8:
+        return 1;
     case kInt16:
-    case kUint16: return 2;
+    case kUint16:
+        return 2;
     case kUint32:
-    case kFloat32: return 4;
-    default: return 0;
+    case kFloat32:
+        return 4;
+    default:
+        return 0;
     }
 }
 
@@ -36,14 +40,22 @@ std::size_t elementSize(const AccessorRecord& record)
 {
     const std::size_t component = componentSize(record.componentType);
     switch (record.type) {
-    case ElementType::kScalar: return component;
-    case ElementType::kVec2: return 2 * component;
-    case ElementType::kVec3: return 3 * component;
-    case ElementType::kVec4: return 4 * component;
-    case ElementType::kMat2: return matrixSize(2, component);
-    case ElementType::kMat3: return matrixSize(3, component);
-    case ElementType::kMat4: return matrixSize(4, component);
-    default: return 0;
+    case ElementType::kScalar:
+        return component;
+    case ElementType::kVec2:
+        return 2 * component;
+    case ElementType::kVec3:
+        return 3 * component;
+    case ElementType::kVec4:
+        return 4 * component;
+    case ElementType::kMat2:
+        return matrixSize(2, component);
+    case ElementType::kMat3:
+        return matrixSize(3, component);
+    case ElementType::kMat4:
+        return matrixSize(4, component);
+    default:
+        return 0;
     }
 }
 
@@ -100,12 +112,18 @@ void gather(const Elements& elements, int components, const std::uint32_t* order
             float* target)
 {
     switch (elements.componentType) {
-    case kInt8: return gatherAs<std::int8_t>(elements, components, order, count, target);
-    case kUint8: return gatherAs<std::uint8_t>(elements, components, order, count, target);
-    case kInt16: return gatherAs<std::int16_t>(elements, components, order, count, target);
-    case kUint16: return gatherAs<std::uint16_t>(elements, components, order, count, target);
-    case kUint32: return gatherAs<std::uint32_t>(elements, components, order, count, target);
-    default: break;
+    case kInt8:
+        return gatherAs<std::int8_t>(elements, components, order, count, target);
+    case kUint8:
+        return gatherAs<std::uint8_t>(elements, components, order, count, target);
+    case kInt16:
+        return gatherAs<std::int16_t>(elements, components, order, count, target);
+    case kUint16:
+        return gatherAs<std::uint16_t>(elements, components, order, count, target);
+    case kUint32:
+        return gatherAs<std::uint32_t>(elements, components, order, count, target);
+    default:
+        break;
     }
     if (components == 3)
         gatherFloats<3>(elements, order, count, target);
@@ -175,7 +193,8 @@ Bytes Accessors::span(std::size_t index, std::int32_t view, std::uint64_t offset
     const Bytes bytes = buffers_.view(view);
     const bool startsInside = offset <= bytes.size();
     const std::uint64_t left = startsInside ? bytes.size() - offset : 0;
-    const bool fits = startsInside && (count == 0 || (size <= left && (count - 1) <= (left - size) / stride));
+    const bool fits =
+        startsInside && (count == 0 || (size <= left && (count - 1) <= (left - size) / stride));
     if (!fits)
         refuse(numbered("accessors", index) + " reaches out of its buffer view");
     return bytes.subspan(offset);
@@ -192,7 +211,8 @@ Elements Accessors::plain(std::size_t index) const
     if (record.view != kNone) {
         result.stride = strideOf(record);
         result.data =
-            span(index, record.view, record.offset, record.count, result.stride, elementSize(record)).data();
+            span(index, record.view, record.offset, record.count, result.stride, elementSize(record))
+                .data();
     }
     return result;
 }

@@ -15,7 +15,8 @@ constexpr std::size_t kAlignment = 16;
 
 Arrays::Arrays(std::size_t expectedBytes)
     : blockSize_(std::clamp(expectedBytes, kSmallestBlock, kLargestBlock))
-{}
+{
+}
 
 float* Arrays::floats(std::size_t count)
 {

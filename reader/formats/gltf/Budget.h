@@ -28,7 +28,8 @@ public:
     {
         const std::uint64_t left = limit() - used_;
         if (count > left / size)
-            refuse("the document asks for more memory than its " + std::to_string(bytes_) + " bytes justify");
+            refuse("the document asks for more memory than its " + std::to_string(bytes_) +
+                   " bytes justify");
         used_ += count * size;
     }
     /// Gives back what was only needed for a while.

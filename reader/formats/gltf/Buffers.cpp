@@ -38,7 +38,8 @@ Bytes Buffers::openFile(const BufferRecord& record, std::size_t index, const Doc
     if (!file) {
         file = platform::MappedFile::open(path.folder + *relative);
         if (!file)
-            refuse(numbered("buffers", index) + " cannot be opened: " + std::string(record.uri.substr(0, 200)));
+            refuse(numbered("buffers", index) +
+                   " cannot be opened: " + std::string(record.uri.substr(0, 200)));
         budget_.addBytes(file->size());
     }
     return {file->data(), file->size()};

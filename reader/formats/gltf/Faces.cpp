@@ -26,7 +26,8 @@ Elements floatsAt(const float* data, int components, std::size_t count)
     return result;
 }
 
-// The normal of a triangle of nine floats; zero where it has no direction.
+// The normal of a triangle of nine floats; zero where it has no direction. Adding zero makes one zero of
+// the two that there are, so that the vertices of a plane stay equal.
 void flatNormal(const float* p, float* normal)
 {
     const double a[] = {double(p[3]) - p[0], double(p[4]) - p[1], double(p[5]) - p[2]};
@@ -35,7 +36,7 @@ void flatNormal(const float* p, float* normal)
     const double length = std::sqrt(n[0] * n[0] + n[1] * n[1] + n[2] * n[2]);
     const bool hasDirection = length > 0 && std::isfinite(length);
     for (int axis = 0; axis < 3; ++axis)
-        normal[axis] = hasDirection ? static_cast<float>(n[axis] / length) : 0.0f;
+        normal[axis] = hasDirection ? static_cast<float>(n[axis] / length) + 0.0f : 0.0f;
 }
 
 bool sameBits(const float* a, const float* b, std::size_t count)
@@ -71,33 +72,23 @@ bool hasTwins(const uoTempFaceTessData_c& face)
     return false;
 }
 
-// Takes the marks of strip ends out, writes the lengths, and turns ids into vertices.
-std::size_t closeUp(const TriangleList& triangles, const StripIds& strips, std::int32_t* lengths)
+// From ids to vertices.
+void nameVertices(const TriangleList& triangles, const StripIds& strips)
 {
-    std::size_t written = 0;
-    std::size_t stripBegin = 0;
-    for (std::size_t i = 0; i < strips.length; ++i) {
-        if (strips.ids[i] != kStripEnd) {
-            strips.ids[written++] = strips.ids[i];
-            continue;
-        }
-        *lengths++ = static_cast<std::int32_t>(written - stripBegin);
-        stripBegin = written;
-    }
     if (!triangles.vertexOf.empty())
-        for (std::size_t i = 0; i < written; ++i)
+        for (std::size_t i = 0; i < strips.idCount; ++i)
             strips.ids[i] = triangles.vertexOf[strips.ids[i]];
     else if (triangles.firstVertex != 0)
-        for (std::size_t i = 0; i < written; ++i)
+        for (std::size_t i = 0; i < strips.idCount; ++i)
             strips.ids[i] += triangles.firstVertex;
-    return written;
 }
 
 }  // namespace
 
 FaceBuilder::FaceBuilder(const Records& records, Accessors& accessors, Budget& budget, Arrays& arrays)
     : records_(records), accessors_(accessors), budget_(budget), arrays_(arrays)
-{}
+{
+}
 
 Elements FaceBuilder::attribute(std::int32_t accessor, ElementType type, std::size_t count)
 {
@@ -135,7 +126,8 @@ TriangleList FaceBuilder::trianglesOf(const PrimitiveRecord& primitive, std::siz
 
 // Copies vertices into plain floats, texture coordinates too if there are any. Gives the number of
 // streams that are then in use.
-std::size_t FaceBuilder::gatherPlain(const std::uint32_t* order, std::size_t count, const Vertices& vertices)
+std::size_t FaceBuilder::gatherPlain(const std::uint32_t* order, std::size_t count,
+                                     const Vertices& vertices)
 {
     gather(vertices.position, 3, order, count, plain_.positions.get(3 * count));
     if (vertices.hasNormals)
@@ -180,7 +172,8 @@ void FaceBuilder::weld(TriangleList& triangles, const Vertices& vertices)
     std::uint32_t* order = order_.get(idCount);
     for (std::size_t id = 0; id < idCount; ++id)
         order[id] = triangles.vertex(static_cast<std::uint32_t>(id));
-    const bool arePlain = vertices.position.data == reinterpret_cast<const unsigned char*>(plain_.positions.get(0));
+    const bool arePlain =
+        vertices.position.data == reinterpret_cast<const unsigned char*>(plain_.positions.get(0));
     const std::size_t streamCount =
         arePlain ? (vertices.hasTexCoords ? 3 : 2) : gatherPlain(order, idCount, vertices);
     const meshopt_Stream streams[] = {{plain_.positions.get(0), 3 * sizeof(float), 3 * sizeof(float)},
@@ -188,8 +181,8 @@ void FaceBuilder::weld(TriangleList& triangles, const Vertices& vertices)
                                       {plain_.texCoords.get(0), 2 * sizeof(float), 2 * sizeof(float)}};
     const std::size_t length = 3 * triangles.triangleCount;
     std::uint32_t* remap = remap_.get(idCount);
-    const std::size_t unique = meshopt_generateVertexRemapMulti(remap, triangles.indices, length, idCount,
-                                                                streams, streamCount);
+    const std::size_t unique =
+        meshopt_generateVertexRemapMulti(remap, triangles.indices, length, idCount, streams, streamCount);
     std::vector<std::uint32_t> vertexOf(unique);
     for (std::size_t id = 0; id < idCount; ++id)
         if (remap[id] != ~0u)
@@ -224,17 +217,17 @@ float* FaceBuilder::filled(const Elements& elements, int components, const std::
 void FaceBuilder::fill(const TriangleList& triangles, const Vertices& vertices, const StripIds& strips,
                        uoTempFaceTessData_c& face)
 {
-    const auto stripCount = static_cast<std::size_t>(std::count(strips.ids, strips.ids + strips.length, kStripEnd));
-    const std::size_t vertexCount = strips.length - stripCount;
-    if (vertexCount > std::size_t(std::numeric_limits<std::int32_t>::max()))
+    if (strips.idCount > std::size_t(std::numeric_limits<std::int32_t>::max()))
         refuse("a primitive is too large for one face");
-    budget_.charge(vertexCount, vertices.hasTexCoords ? 32 : 24);
-    budget_.charge(stripCount, sizeof(std::int32_t));
-    std::int32_t* lengths = arrays_.integers(stripCount);
-    closeUp(triangles, strips, lengths);
+    budget_.charge(strips.idCount, vertices.hasTexCoords ? 32 : 24);
+    budget_.charge(strips.stripCount, sizeof(std::int32_t));
+    std::int32_t* lengths = arrays_.integers(strips.stripCount);
+    std::copy_n(strips.lengths, strips.stripCount, lengths);
+    nameVertices(triangles, strips);
+    const std::size_t vertexCount = strips.idCount;
     const auto floats = static_cast<long long>(vertexCount);
-    face.stripCount = static_cast<std::int32_t>(stripCount);
-    face.stripLengths = {lengths, static_cast<long long>(stripCount)};
+    face.stripCount = static_cast<std::int32_t>(strips.stripCount);
+    face.stripLengths = {lengths, static_cast<long long>(strips.stripCount)};
     face.points = {filled(vertices.position, 3, strips.ids, vertexCount), 3 * floats};
     face.normals = {filled(vertices.normal, 3, strips.ids, vertexCount), 3 * floats};
     face.hasUVs = vertices.hasTexCoords;
@@ -242,12 +235,13 @@ void FaceBuilder::fill(const TriangleList& triangles, const Vertices& vertices, 
         face.uvs = {filled(vertices.texCoord, 2, strips.ids, vertexCount), 2 * floats};
 }
 
-void FaceBuilder::build(const PrimitiveRecord& primitive, std::int32_t texCoordSet, uoTempFaceTessData_c& face)
+void FaceBuilder::build(const PrimitiveRecord& primitive, std::int32_t texCoordSet,
+                        uoTempFaceTessData_c& face)
 {
     Vertices vertices = verticesOf(primitive, texCoordSet);
-    const std::size_t indexCount = primitive.indices == kNone
-                                       ? vertices.position.count
-                                       : records_.accessors[static_cast<std::size_t>(primitive.indices)].count;
+    const std::size_t indexCount =
+        primitive.indices == kNone ? vertices.position.count
+                                   : records_.accessors[static_cast<std::size_t>(primitive.indices)].count;
     const std::size_t length = listLength(primitive.mode, indexCount);
     budget_.charge(length, kScratchBytes);
     TriangleList triangles = trianglesOf(primitive, vertices.position.count);

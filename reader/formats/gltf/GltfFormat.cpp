@@ -7,8 +7,8 @@
 #include "reader/formats/gltf/JsonReading.h"
 #include "reader/formats/gltf/Meshes.h"
 #include "reader/formats/gltf/NodeNames.h"
-#include "reader/formats/gltf/Refusal.h"
 #include "reader/formats/gltf/References.h"
+#include "reader/formats/gltf/Refusal.h"
 #include "reader/formats/gltf/Scene.h"
 
 namespace ovdl {

@@ -131,7 +131,8 @@ private:
     std::string_view text(od::value value) { return value.get_string(); }
     template <std::size_t size>
     void reals(od::value value, std::array<double, size>& target);
-    void list(od::value value, std::vector<std::uint32_t>& pool, std::uint32_t& first, std::uint32_t& count);
+    void list(od::value value, std::vector<std::uint32_t>& pool, std::uint32_t& first,
+              std::uint32_t& count);
 
     void readAsset(od::value value);
     bool isNewer(std::string_view version, const char* what);
@@ -700,7 +701,8 @@ struct JsonDocument::Parser {
     // The tokeniser reads a little behind the end of its text.
     simdjson::padded_string_view padded(Bytes json, Bytes file)
     {
-        const auto behind = static_cast<std::size_t>(file.data() + file.size() - (json.data() + json.size()));
+        const auto behind =
+            static_cast<std::size_t>(file.data() + file.size() - (json.data() + json.size()));
         const auto* text = reinterpret_cast<const char*>(json.data());
         if (behind < simdjson::SIMDJSON_PADDING) {
             copy.reset(new char[json.size() + simdjson::SIMDJSON_PADDING]);

@@ -70,10 +70,17 @@ bool fillLight(const LightRecord& record, const Affine& world, std::int32_t inde
     backwardAxis(world, backward);
     fillCommon(record, index, light);
     switch (record.kind) {
-    case LightKind::kSpot: fillAimed(record, &world.m[9], backward, light); return true;
-    case LightKind::kPoint: fillPositioned(&world.m[9], light); return true;
-    case LightKind::kDirectional: fillDirectional(backward, light); return true;
-    default: return false;
+    case LightKind::kSpot:
+        fillAimed(record, &world.m[9], backward, light);
+        return true;
+    case LightKind::kPoint:
+        fillPositioned(&world.m[9], light);
+        return true;
+    case LightKind::kDirectional:
+        fillDirectional(backward, light);
+        return true;
+    default:
+        return false;
     }
 }
 

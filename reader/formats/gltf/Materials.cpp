@@ -39,9 +39,12 @@ double transparencyOf(const MaterialRecord& record)
     const double alpha = std::clamp(colourOf(record)[3], 0.0, 1.0);
     const double passing = std::clamp(record.transmission, 0.0, 1.0);
     switch (record.alphaMode) {
-    case AlphaMode::kBlend: return 1 - alpha * (1 - passing);
-    case AlphaMode::kMask: return alpha < record.alphaCutoff ? 1 : passing;
-    default: return passing;
+    case AlphaMode::kBlend:
+        return 1 - alpha * (1 - passing);
+    case AlphaMode::kMask:
+        return alpha < record.alphaCutoff ? 1 : passing;
+    default:
+        return passing;
     }
 }
 
@@ -65,7 +68,8 @@ double specularOf(const MaterialRecord& record)
     const double metallic = std::clamp(record.metallic, 0.0, 1.0);
     const double headOn =
         record.isSpecularGlossy
-            ? std::clamp(*std::max_element(record.specularColour.begin(), record.specularColour.end()), 0.0, 1.0)
+            ? std::clamp(*std::max_element(record.specularColour.begin(), record.specularColour.end()), 0.0,
+                         1.0)
             : kDielectricSpecular + (1 - kDielectricSpecular) * metallic;
     return headOn * shininessOf(record);
 }
@@ -149,7 +153,8 @@ std::unique_ptr<Appearance> makeAppearance(const MaterialRecord& record, const s
 
 std::wstring imageName(const Records& records, std::int32_t texture, const DocumentPath& path)
 {
-    const std::int32_t image = texture == kNone ? kNone : records.textures[static_cast<std::size_t>(texture)];
+    const std::int32_t image =
+        texture == kNone ? kNone : records.textures[static_cast<std::size_t>(texture)];
     if (image == kNone)
         return {};
     const ImageRecord& record = records.images[static_cast<std::size_t>(image)];

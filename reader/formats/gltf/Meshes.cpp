@@ -49,7 +49,9 @@ Appearance& appearanceOf(const Records& records, std::int32_t material, const Do
 
 std::int32_t texCoordSet(const Records& records, std::int32_t material)
 {
-    return material == kNone ? 0 : colourTexture(records.materials[static_cast<std::size_t>(material)]).texCoord;
+    return material == kNone
+               ? 0
+               : colourTexture(records.materials[static_cast<std::size_t>(material)]).texCoord;
 }
 
 // An array of at most eight floats for each triangle corner that is left once strips share them.
@@ -100,7 +102,8 @@ void fillParts(const Records& records, Accessors& accessors, const DocumentPath&
             continue;
         std::int32_t faceId = 0;
         eachFace(records, mesh, [&](const PrimitiveRecord& primitive, std::uint32_t index) {
-            uoTempFaceTessData_c& face = *document.parts[mesh]->facePointers[static_cast<std::size_t>(faceId)];
+            uoTempFaceTessData_c& face =
+                *document.parts[mesh]->facePointers[static_cast<std::size_t>(faceId)];
             builder.build(primitive, texCoordSet(records, primitive.material), face);
             face.faceId = ++faceId;
             face.faceKey = static_cast<std::int32_t>(index);

@@ -49,7 +49,8 @@ void NodeNames::clean(std::string_view& name)
 // The seed is another in each process, so that nobody can write a document whose names all collide.
 SiblingNumbers::SiblingNumbers(const Records& records)
     : records_(records), numbers_(records.nodes.size()), seed_(std::random_device{}() | 1u)
-{}
+{
+}
 
 std::uint64_t SiblingNumbers::hash(std::string_view name) const
 {

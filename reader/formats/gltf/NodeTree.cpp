@@ -80,7 +80,8 @@ void NodeTree::findTop(const Records& records)
 }
 
 // Every node below `top`, parents before their children.
-std::vector<std::uint32_t> NodeTree::ordered(const Records& records, const std::vector<std::uint32_t>& top) const
+std::vector<std::uint32_t> NodeTree::ordered(const Records& records,
+                                             const std::vector<std::uint32_t>& top) const
 {
     std::vector<std::uint32_t> order;
     order.reserve(records.nodes.size());

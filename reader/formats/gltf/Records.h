@@ -66,7 +66,8 @@ inline constexpr int kTexCoordSets = 8;
 struct PrimitiveRecord {
     std::int32_t position = kNone;
     std::int32_t normal = kNone;
-    std::array<std::int32_t, kTexCoordSets> texCoords = {kNone, kNone, kNone, kNone, kNone, kNone, kNone, kNone};
+    std::array<std::int32_t, kTexCoordSets> texCoords = {kNone, kNone, kNone, kNone,
+                                                         kNone, kNone, kNone, kNone};
     std::int32_t indices = kNone;
     std::int32_t material = kNone;
     std::int32_t mode = kTriangles;

@@ -45,7 +45,8 @@ void checkScenes(const Records& records)
     for (std::size_t i = 0; i < records.scenes.size(); ++i) {
         const SceneRecord& scene = records.scenes[i];
         for (std::uint32_t n = 0; n < scene.nodeCount; ++n)
-            Holder{"scenes", i}.check(records.sceneNodes[scene.firstNode + n], records.nodes.size(), "node");
+            Holder{"scenes", i}.check(records.sceneNodes[scene.firstNode + n], records.nodes.size(),
+                                      "node");
     }
     if (records.scene != kNone && static_cast<std::size_t>(records.scene) >= records.scenes.size())
         refuse("the document names scene " + std::to_string(records.scene) + " of " +
@@ -67,7 +68,8 @@ void checkMeshes(const Records& records)
 {
     for (std::size_t i = 0; i < records.meshes.size(); ++i)
         for (std::uint32_t p = 0; p < records.meshes[i].primitiveCount; ++p)
-            checkPrimitive(records, records.primitives[records.meshes[i].firstPrimitive + p], {"meshes", i});
+            checkPrimitive(records, records.primitives[records.meshes[i].firstPrimitive + p],
+                           {"meshes", i});
 }
 
 void checkData(const Records& records)

@@ -37,7 +37,8 @@ Affine withoutScale(Affine world)
         double* column = &world.m[3 * axis];
         const double length = std::hypot(column[0], column[1], column[2]);
         for (int row = 0; row < 3; ++row)
-            column[row] = length > 0 && std::isfinite(length) ? column[row] / length : (row == axis ? 1 : 0);
+            column[row] =
+                length > 0 && std::isfinite(length) ? column[row] / length : (row == axis ? 1 : 0);
     }
     return world;
 }
@@ -47,7 +48,8 @@ Affine withoutScale(Affine world)
 SceneWalk::SceneWalk(const Records& records, const NodeTree& tree, Budget& budget, Steps& steps,
                      GltfDocument& document)
     : records_(records), tree_(tree), budget_(budget), steps_(steps), document_(document), numbers_(records)
-{}
+{
+}
 
 void SceneWalk::run(const std::wstring& stem)
 {

@@ -24,14 +24,15 @@ private:
     struct Level {
         const std::uint32_t* next = nullptr;
         const std::uint32_t* end = nullptr;
-        Affine world;               ///< Of their parent.
+        Affine world;                ///< Of their parent.
         std::size_t pathLength = 0;  ///< Of their parent's path.
         std::size_t nameBegin = 0;   ///< Where the parent's name lies in that path.
         std::size_t nameLength = 0;
     };
 
     void visit(std::uint32_t node);
-    void appendToken(const Level& level, std::uint32_t node, std::size_t& nameBegin, std::size_t& nameLength);
+    void appendToken(const Level& level, std::uint32_t node, std::size_t& nameBegin,
+                     std::size_t& nameLength);
     void appendName(std::string_view name);
     void take(const NodeRecord& node, const Affine& world);
     void addComponent(const NodeRecord& node, const Affine& world);

@@ -78,7 +78,8 @@ const std::uint32_t* copied(std::int32_t mode, const Elements* indices, std::siz
 }
 
 // Drops the repeating triangles and counts vertices from the lowest on. `target` may be the list.
-std::size_t compact(const std::uint32_t* list, std::size_t length, std::uint32_t lowest, std::uint32_t* target)
+std::size_t compact(const std::uint32_t* list, std::size_t length, std::uint32_t lowest,
+                    std::uint32_t* target)
 {
     std::size_t written = 0;
     for (std::size_t i = 0; i + 3 <= length; i += 3) {
@@ -100,7 +101,8 @@ void closeGaps(TriangleList& triangles, std::uint32_t* list)
     std::sort(used.begin(), used.end());
     used.erase(std::unique(used.begin(), used.end()), used.end());
     for (std::size_t i = 0; i < length; ++i)
-        list[i] = static_cast<std::uint32_t>(std::lower_bound(used.begin(), used.end(), list[i]) - used.begin());
+        list[i] =
+            static_cast<std::uint32_t>(std::lower_bound(used.begin(), used.end(), list[i]) - used.begin());
     triangles.idCount = used.size();
     for (std::uint32_t& vertex : used)
         vertex += triangles.firstVertex;

@@ -37,7 +37,10 @@ struct TriangleList {
     std::uint32_t firstVertex = 0;
     std::vector<std::uint32_t> vertexOf;
 
-    std::uint32_t vertex(std::uint32_t id) const { return vertexOf.empty() ? firstVertex + id : vertexOf[id]; }
+    std::uint32_t vertex(std::uint32_t id) const
+    {
+        return vertexOf.empty() ? firstVertex + id : vertexOf[id];
+    }
 };
 
 /// Number of indices that the primitive's triangles have, those that repeat one included: three each.

@@ -114,7 +114,8 @@ std::optional<std::vector<unsigned char>> dataUriBytes(std::string_view uri)
     const std::string_view kind = uri.substr(0, comma);
     const std::string_view body = uri.substr(comma + 1);
     constexpr std::string_view kBase64 = ";base64";
-    const bool isBase64 = kind.size() >= kBase64.size() && kind.substr(kind.size() - kBase64.size()) == kBase64;
+    const bool isBase64 =
+        kind.size() >= kBase64.size() && kind.substr(kind.size() - kBase64.size()) == kBase64;
     if (isBase64 && body.find('%') == std::string_view::npos)
         return base64Decoded(body);
     const std::optional<std::string> decoded = percentDecoded(body);
