@@ -28,6 +28,14 @@ TEST(WriteWhole, MakesAFile)
     EXPECT_THAT(folder.entries(), ElementsAre("new.glb"));
 }
 
+TEST(WriteWhole, TakesTheLongestNames)
+{
+    const Folder folder;
+    const std::string name(255, 'n');
+    tool::writeWhole(folder / name, writeHello);
+    EXPECT_THAT(folder.entries(), ElementsAre(name));
+}
+
 TEST(WriteWhole, ReplacesAFileAndKeepsItsPermissions)
 {
     const Folder folder;

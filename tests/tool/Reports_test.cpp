@@ -396,6 +396,7 @@ TEST(MaterialsJson, SurvivesNumbersThatAreNone)
     model->instances[0].material->texture.scaleU = std::numeric_limits<float>::infinity();
     model->instances[0].material->color[1] = std::numeric_limits<float>::quiet_NaN();
     model->instances[0].material->color[2] = 7;
+    model->instances[0].material->texture.filename = L"a\xD800\x7FFFFFFF";
     const json result = materialsJson(*model);
     EXPECT_EQ(result["materials"][0]["transparency"], "NaN");
     EXPECT_EQ(result["materials"][0]["texturePlacement"]["scaleU"], "Infinity");
