@@ -7,6 +7,7 @@ std::vector<std::unique_ptr<DocumentFormat>> makeFormats()
 {
     std::vector<std::unique_ptr<DocumentFormat>> formats;
     formats.push_back(makePreparedFormat());
+    formats.push_back(makeGltfFormat());
     return formats;
 }
 

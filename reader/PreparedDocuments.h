@@ -18,13 +18,14 @@ namespace ovdl {
 ///
 /// Ownership: owns the documents, the configurations and whatever is given to own(); the reader
 ///   keeps it until the document object of the read is destroyed or reads again. The documents go
-///   first, then what is owned, the newest first.
+///   first, then what is owned, the newest first. May be derived from, to hold the objects as members,
+///   which go before the documents.
 class OVDL_API PreparedDocument {
 public:
     PreparedDocument();
     PreparedDocument(const PreparedDocument&) = delete;
     PreparedDocument& operator=(const PreparedDocument&) = delete;
-    ~PreparedDocument();
+    virtual ~PreparedDocument();
 
     /// Makes an object that lives as long as the document.
     template <class T, class... Arguments>

@@ -20,6 +20,7 @@ namespace {
 // The values that glTF has from the graphics interface.
 constexpr int kFloat = 5126;
 constexpr int kUnsignedInt = 5125;
+constexpr int kLines = 1;
 constexpr int kArrayBuffer = 34962;
 constexpr int kElementArrayBuffer = 34963;
 
@@ -236,18 +237,29 @@ private:
         return place->second;
     }
 
-    // Nothing for a part without a triangle: a mesh must have one.
-    std::optional<int> addMesh(const dlPart& part, int override, const dlInstance& instance)
+    int addMesh(const dlPart& part, int override, const dlInstance& instance)
     {
         const PartMesh& geometry = geometryOf(part);
-        if (geometry.primitives.empty())
-            return std::nullopt;
         Json mesh;
         addName(part.shortName.empty() ? instanceName(instance) : part.shortName, mesh);
         Json& primitives = mesh["primitives"] = Json::array();
         for (const Primitive& primitive : geometry.primitives)
             primitives.push_back(primitiveJson(primitive, override));
+        if (primitives.empty())
+            primitives.push_back(nothingToSee());
         return meshList_.add(mesh);
+    }
+
+    // A mesh must have a primitive, and a node without a mesh would be no instance any more. A line
+    // without length is drawn by nobody and counts as no face.
+    Json nothingToSee()
+    {
+        if (!lineWithoutLength_) {
+            FaceGeometry line;
+            line.positions.assign(6, 0.0f);
+            lineWithoutLength_ = addPositions(line);
+        }
+        return {{"attributes", {{"POSITION", *lineWithoutLength_}}}, {"mode", kLines}};
     }
 
     Json primitiveJson(const Primitive& primitive, int override)
@@ -427,9 +439,10 @@ private:
     JsonList accessors_;
     std::vector<View> views_;
     std::vector<int> sceneNodes_;
+    std::optional<int> lineWithoutLength_;
     std::map<const dlPart*, PartMesh> parts_;
-    std::map<std::pair<const dlPart*, int>, std::optional<int>> meshes_;  // by part and override
-    std::map<std::string, int> materials_;                                // by their text
+    std::map<std::pair<const dlPart*, int>, int> meshes_;  // by part and override
+    std::map<std::string, int> materials_;                 // by their text
 };
 
 std::uint64_t binarySize(const GltfDocument& document)

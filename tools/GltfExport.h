@@ -37,8 +37,9 @@ struct ExportCancelled : std::runtime_error {
 /// The component tree becomes the node tree: a subassembly is a node without a placement, an
 /// instance a node with the instance's placement in the model, followed by a second node where
 /// translation, rotation and scale cannot make it. A part becomes one mesh with one primitive a
-/// face, and one more mesh over the same geometry for each appearance that an instance lays over the
-/// whole part. Lights, cameras and images are not written.
+/// face (a part without a triangle as a line without length), and one more mesh over the same geometry
+/// for each appearance that an instance lays over the whole part. Lights, cameras and images are not
+/// written.
 ///
 /// Raises ExportCancelled when `cancelled` says so, which is asked before each part.
 GltfDocument exportModel(const dlModel& model, const std::function<bool()>& cancelled);

@@ -3,12 +3,15 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdint>
 #include <string>
 
 #include "tools/Values.h"
 
 namespace tool {
 namespace {
+
+constexpr std::uint32_t kWhite = 0x00FFFFFF;
 
 // NaN becomes 0.
 double between0And1(double value)
@@ -36,13 +39,42 @@ const std::string& nameOf(const dlMaterial& material)
     return material.appearanceName;
 }
 
+// What shines has a colour of its own in the second colour; where that was left white, the surface
+// shines in its own, unless it is black.
+std::array<double, 3> emissionColour(const dlMaterial& material)
+{
+    const std::array<double, 3> own = linearColour(material);
+    const bool isBlack = *std::max_element(own.begin(), own.end()) == 0;
+    if ((material.secondColorRef & kWhite) == kWhite && !isBlack)
+        return own;
+    return {linear((material.secondColorRef & 0xFF) / 255.0),
+            linear((material.secondColorRef >> 8 & 0xFF) / 255.0),
+            linear((material.secondColorRef >> 16 & 0xFF) / 255.0)};
+}
+
+// The strength is that of the strongest of the three.
 void addEmission(const dlMaterial& material, nlohmann::ordered_json& result)
 {
     const double emission = between0And1(material.emission);
-    if (emission == 0)
+    const std::array<double, 3> colour = emissionColour(material);
+    const double strongest = *std::max_element(colour.begin(), colour.end());
+    if (emission == 0 || strongest == 0)
         return;
-    const auto colour = linearColour(material);
-    result["emissiveFactor"] = {emission * colour[0], emission * colour[1], emission * colour[2]};
+    auto& factor = result["emissiveFactor"] = nlohmann::ordered_json::array();
+    for (const double part : colour)
+        factor.push_back(std::min(emission * (part / strongest), 1.0));
+}
+
+// A surface reflects head-on what a metal of its share does, the rest as glass and paint do; the
+// highlight of a rough one is spread until none is left.
+double metallic(const dlMaterial& material)
+{
+    constexpr double kDielectric = 0.04;
+    const double shininess = between0And1(material.shininess);
+    if (shininess == 0)
+        return 0;
+    const double headOn = between0And1(material.specular) / shininess;
+    return between0And1((headOn - kDielectric) / (1 - kDielectric));
 }
 
 }  // namespace
@@ -55,7 +87,7 @@ nlohmann::ordered_json gltfMaterial(const dlMaterial& material)
     if (!nameOf(material).empty())
         result["name"] = utf8(nameOf(material));
     result["pbrMetallicRoughness"] = {{"baseColorFactor", {colour[0], colour[1], colour[2], opacity}},
-                                      {"metallicFactor", 0},
+                                      {"metallicFactor", metallic(material)},
                                       {"roughnessFactor", 1 - between0And1(material.shininess)}};
     addEmission(material, result);
     if (opacity < 1)

@@ -32,7 +32,7 @@ public:
     {
         std::random_device random;
         do
-            path_ = folderOf(target) / ("." + target.filename().string() + "." + std::to_string(random()));
+            path_ = folderOf(target) / (".raylume-dl-" + std::to_string(random()));
         while (fs::exists(fs::symlink_status(path_)));
     }
     TemporaryFile(const TemporaryFile&) = delete;

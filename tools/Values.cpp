@@ -76,7 +76,7 @@ std::string utf8(std::string_view modelText)
 
 std::string oneLine(std::string_view text)
 {
-    std::string line(text);
+    std::string line = platform::toUtf8(platform::fromUtf8(text));
     for (char& character : line)
         if (static_cast<unsigned char>(character) < 0x20 || character == 0x7F)
             character = ' ';

@@ -29,7 +29,8 @@ std::string vectorText(const float* values);
 /// A text of the model, which is in the ANSI code page, as UTF-8. What is no text in that code page
 /// becomes U+FFFD.
 std::string utf8(std::string_view modelText);
-/// One line out of any text: line ends and other control characters become blanks.
+/// One line of UTF-8 out of any text: line ends and other control characters become blanks, bytes that
+/// are no UTF-8 become U+FFFD.
 std::string oneLine(std::string_view text);
 
 /// "1 part", "2 parts".

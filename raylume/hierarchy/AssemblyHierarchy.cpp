@@ -10,26 +10,36 @@
 namespace {
 
 // Corner c takes x from the maximum if bit 0 is set, y by bit 1, z by bit 2. All in single precision;
-// placements are affine, so there is no division by w.
-void addCorner(const dlXform& xform, const dlBBox& box, int c, dlBBox& bounds)
+// placements are affine, so there is no division by w. `m` is the row of the placement for one axis.
+float cornerOnAxis(const float* m, const dlBBox& box, int c)
 {
     const float x = (c & 1) ? box.max[0] : box.min[0];
     const float y = (c & 2) ? box.max[1] : box.min[1];
     const float z = (c & 4) ? box.max[2] : box.min[2];
-    const float* m = xform.m;
-    const float corner[3] = {m[0] * x + m[4] * y + m[8] * z + m[12], m[1] * x + m[5] * y + m[9] * z + m[13],
-                             m[2] * x + m[6] * y + m[10] * z + m[14]};
-    bounds.addPoint(corner);
+    return m[0] * x + m[4] * y + m[8] * z + m[12];
+}
+
+// Bit for bit what addPoint() gives for the eight corners in turn: the axes do not meet, and the tests
+// are the same, so that a NaN moves nothing and the first of two equal zeros stays.
+void growAxis(const float* m, const dlBBox& box, float& low, float& high)
+{
+    for (int c = 0; c < 8; ++c) {
+        const float value = cornerOnAxis(m, box, c);
+        low = value < low ? value : low;
+        high = value > high ? value : high;
+    }
 }
 
 void growBounds(const dlInstance& instance, dlBBox& bounds)
 {
-    if (!instance.part->bbox.isSet()) {
+    dlBBox& box = instance.part->bbox;
+    if (!box.isSet()) {
         return;
     }
-    for (int c = 0; c < 8; ++c) {
-        addCorner(instance.xform, instance.part->bbox, c, bounds);
+    for (int axis = 0; axis < 3; ++axis) {
+        growAxis(instance.xform.m + axis, box, bounds.min[axis], bounds.max[axis]);
     }
+    bounds.radius = -1.0f;
 }
 
 // Finds the node of an instance by its name, and makes the nodes that are missing on the way.
@@ -101,17 +111,64 @@ std::span<dlInstance> placedInstances(dlModel& model)
     return {model.instances, static_cast<std::size_t>(count)};
 }
 
-// The first walk: nodes, their counts and the box. The second finds the node in the instance.
-void buildNodes(dlModel& model)
+std::string withoutQuotes(const std::string& configName)
 {
-    TreeBuilder builder(*model.assemblyRoot);
-    for (dlInstance& instance : placedInstances(model)) {
-        if (instance.part) {
-            growBounds(instance, model.bbox);
-            instance.node = &builder.nodeFor(hierarchy::textOf(instance.name));
-            ++instance.node->instanceCount;
+    std::wstring shown;
+    for (const wchar_t character : platform::widen(configName)) {
+        if (character == L'"') {
+            shown += L"$#$";
+        } else {
+            shown += character;
         }
     }
+    return platform::narrow(shown);
+}
+
+// The first instance of a part in array order names it.
+void namePart(const dlInstance& instance)
+{
+    dlPart& part = *instance.part;
+    if (part.name.empty()) {
+        part.shortName = hierarchy::shortName(instance.leafName);
+        part.name = '<';
+        part.name += withoutQuotes(instance.configName);
+        part.name += '>';
+        part.name += part.shortName;
+    }
+}
+
+dlAssemblyNode& hang(dlInstance& instance, TreeBuilder& builder, dlBBox& bounds)
+{
+    const std::string_view name = hierarchy::textOf(instance.name);
+    dlAssemblyNode& node = builder.nodeFor(name);
+    ++node.instanceCount;
+    instance.node = &node;
+    instance.leafName = hierarchy::lastToken(name);
+    growBounds(instance, bounds);
+    namePart(instance);
+    return node;
+}
+
+// Neighbours in the array that hang under one node; null for those without a part.
+struct Run {
+    dlAssemblyNode* node;
+    std::size_t length;
+};
+
+// The first walk: nodes, their counts, the box, and what the names say. It remembers the nodes for the
+// second walk, which then touches no instance again: large assemblies fit into no cache.
+std::vector<Run> buildNodes(dlModel& model)
+{
+    std::vector<Run> runs;
+    TreeBuilder builder(*model.assemblyRoot);
+    for (dlInstance& instance : placedInstances(model)) {
+        dlAssemblyNode* node = instance.part ? &hang(instance, builder, model.bbox) : nullptr;
+        if (runs.empty() || runs.back().node != node) {
+            runs.push_back({node, 0});
+        }
+        ++runs.back().length;
+    }
+    return runs;
 }
 
 // Every instance names the root, so the last one does.
@@ -156,39 +213,15 @@ void countSubtrees(const std::vector<dlAssemblyNode*>& nodes)
     });
 }
 
-std::string withoutQuotes(const std::string& configName)
+// The second walk: every instance into its slot, in array order.
+void fillSlots(dlInstance* instance, const std::vector<Run>& runs)
 {
-    std::wstring shown;
-    for (const wchar_t character : platform::widen(configName)) {
-        if (character == L'"') {
-            shown += L"$#$";
-        } else {
-            shown += character;
+    for (const Run& run : runs) {
+        dlInstance* const end = instance + run.length;
+        for (; run.node && instance != end; ++instance) {
+            run.node->instances[run.node->filledCount++] = instance;
         }
-    }
-    return platform::narrow(shown);
-}
-
-// The first instance of a part in array order names it.
-void namePart(const dlInstance& instance)
-{
-    dlPart& part = *instance.part;
-    if (part.name.empty()) {
-        part.shortName = hierarchy::shortName(instance.leafName);
-        part.name = "<" + withoutQuotes(instance.configName) + ">" + part.shortName;
-    }
-}
-
-// The second walk: every instance into its slot, leaf names and part names.
-void hangInstances(dlModel& model)
-{
-    for (dlInstance& instance : placedInstances(model)) {
-        if (instance.part) {
-            dlAssemblyNode& node = *instance.node;
-            node.instances[node.filledCount++] = &instance;
-            instance.leafName = hierarchy::lastToken(hierarchy::textOf(instance.name));
-            namePart(instance);
-        }
+        instance = end;
     }
 }
 
@@ -197,10 +230,10 @@ void hangInstances(dlModel& model)
 void dlModel::createAssemblyHierarchy()
 {
     assemblyRoot = new dlAssemblyNode;
-    buildNodes(*this);
+    const std::vector<Run> runs = buildNodes(*this);
     nameRoot(*this);
     const std::vector<dlAssemblyNode*> nodes = breadthFirst(*assemblyRoot);
     allocateSlots(nodes);
     countSubtrees(nodes);
-    hangInstances(*this);
+    fillSlots(instances, runs);
 }

@@ -30,18 +30,17 @@ class suFileStorage;
 /// The constant that ReadFile expects as its first argument.
 inline constexpr wchar_t kReaderAccess[] = L"raylume-display-list";
 
-// ------------------------------------------------------------------------------------- containers
-
 /// An array of pointers; neither the array nor the objects are owned. Elements may be null.
 template <class T>
 struct ovPointerArray {
     T** data = nullptr;
     long long count = 0;
 
-    /// Element `index`, which may be null. Raises invalid argument outside 0 .. count - 1.
+    /// Element `index`, which may be null. Raises invalid argument outside 0 .. count - 1, and where
+    /// there is no data.
     T* at(long long index) const
     {
-        if (index < 0 || index >= count)
+        if (!data || index < 0 || index >= count)
             platform::raiseInvalidArgument();
         return data[index];
     }
@@ -67,8 +66,6 @@ public:
 private:
     std::list<Type> elements_;
 };
-
-// ------------------------------------------------------------------------------------- appearance
 
 /// A colour of three doubles, 0 to 1.
 class OVDL_API color {
@@ -192,8 +189,6 @@ public:
     std::wstring materialFileName;
 };
 
-// ----------------------------------------------------------------------------------------- decals
-
 /// Where a decal lies on one face.
 class OVDL_API uoDecalFaceMapping {
 public:
@@ -233,8 +228,6 @@ public:
 
     std::list<std::uint32_t> colorMask;
 };
-
-// ------------------------------------------------------------------------------- lights and scene
 
 enum LIGHT_TYPE : std::int32_t {
     LIGHT_AIMED = 2,
@@ -336,8 +329,6 @@ public:
     mgVector_c floorVector;
 };
 
-// ----------------------------------------------------------------------------------- tessellation
-
 enum VizPropMode_e : std::int32_t { VizPropMode_none = 0 };
 
 /// A face: triangle strips, one behind the other.
@@ -409,8 +400,6 @@ public:
     std::map<int, moVisualProperties_c*> modelVizProps;
 };
 
-// -------------------------------------------------------------------------------------- documents
-
 /// One component of an assembly.
 class OVDL_API uoTempAssemblySHDData_c {
 public:
@@ -476,8 +465,6 @@ public:
     uoTempAssemblySHDDataArray_c components;
 };
 
-// ---------------------------------------------------------------------------------------- session
-
 struct CRectItem;
 
 /// The embedded items of a document.
@@ -509,6 +496,7 @@ public:
     virtual void UpdateProgress(float done, int step, int steps);
     /// Non-zero ends the read.
     virtual int ShouldReadBeCancelled();
+    /// From 0 to 100; forwarded as a share of 1.
     virtual void SetPercentCompleted(float percent);
 };
 
@@ -554,8 +542,6 @@ private:
     class State;
     State* state_;
 };
-
-// --------------------------------------------------------------------------------------- storages
 
 enum suStorageType_e : std::int32_t { suStorageType_none = 0, suStorageType_structured = 1 };
 

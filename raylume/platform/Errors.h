@@ -20,7 +20,7 @@ inline constexpr std::uint32_t kErrorOverflow = 0x8002000Au;
 /// (kErrorInvalidArgument), a text that is no number (kErrorTypeMismatch), and the like.
 class PLATFORM_API ComError : public std::exception {
 public:
-    explicit ComError(std::uint32_t code);
+    explicit ComError(std::uint32_t code) noexcept;
     ComError(const ComError&) = default;
     ComError& operator=(const ComError&) = default;
     ~ComError() override;
@@ -31,13 +31,13 @@ public:
 
 private:
     std::uint32_t code_;
-    std::string text_;
+    char text_[64];  // In place: raised also when there is no memory left.
 };
 
 /// A failed operation on a compound file, with the storage's own 32-bit result code.
 class PLATFORM_API OleError : public std::exception {
 public:
-    explicit OleError(std::uint32_t code);
+    explicit OleError(std::uint32_t code) noexcept;
     OleError(const OleError&) = default;
     OleError& operator=(const OleError&) = default;
     ~OleError() override;
@@ -47,7 +47,7 @@ public:
 
 private:
     std::uint32_t code_;
-    std::string text_;
+    char text_[64];  // In place: raised also when there is no memory left.
 };
 
 /// A failed archive operation: why (one of the three causes) and on which file.

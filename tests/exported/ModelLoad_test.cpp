@@ -2,18 +2,19 @@
 #include <gmock/gmock.h>
 
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <memory>
 #include <new>
 #include <optional>
+#include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "raylume/platform/Errors.h"
 #include "raylume/scene/dlBody.h"
 #include "raylume/scene/dlFace.h"
 #include "raylume/scene/dlModel.h"
 #include "tests/reader/ReaderFixtures.h"
+#include "tests/reader/TemporaryFolder.h"
 
 namespace {
 
@@ -332,14 +333,10 @@ class ConfigurationFile {
 public:
     explicit ConfigurationFile(const std::string& text)
     {
-        std::string pattern = std::filesystem::temp_directory_path() / "configuration-XXXXXX";
-        if (!mkdtemp(pattern.data()))
-            throw std::runtime_error("no temporary folder");
-        folder_ = pattern;
         if (const char* value = std::getenv("temp"))
             before_ = value;
-        setenv("temp", folder_.c_str(), 1);
-        std::ofstream(folder_ / "LDRConfigName.txt", std::ios::binary) << text;
+        folder_.write("LDRConfigName.txt", text);
+        setenv("temp", folder_.path().c_str(), 1);
     }
     ConfigurationFile(const ConfigurationFile&) = delete;
     ConfigurationFile& operator=(const ConfigurationFile&) = delete;
@@ -349,11 +346,10 @@ public:
             setenv("temp", before_->c_str(), 1);
         else
             unsetenv("temp");
-        std::filesystem::remove_all(folder_);
     }
 
 private:
-    std::filesystem::path folder_;
+    fixtures::TemporaryFolder folder_;
     std::optional<std::string> before_;
 };
 

@@ -49,8 +49,6 @@ protected:
     dlModel model;
 };
 
-// -------------------------------------------------------------------------------------- pass one
-
 TEST_F(AssemblyTranslation, GivesAnEmptyAssemblyAnEmptyArrayAndItsView)
 {
     Components none;
@@ -251,6 +249,28 @@ TEST_F(AssemblyTranslation, TellsManyPartsApart)
     }
 }
 
+TEST_F(AssemblyTranslation, TellsManyConfigurationsOfOnePartApart)
+{
+    constexpr int kConfigurations = 600;
+    build::Part source;
+    std::vector<std::unique_ptr<Component>> owned;
+    std::vector<uoTempAssemblySHDData_c*> list;
+    for (int index = 0; index < 2 * kConfigurations; ++index) {
+        owned.push_back(std::make_unique<Component>(L"c", &source, index % kConfigurations));
+        list.push_back(owned.back().get());
+    }
+    Components components;
+    components.assign(list);
+    translate(components);
+    ASSERT_EQ(model.instanceCount, 2 * kConfigurations);
+    EXPECT_EQ(model.parts.at(&source).size(), static_cast<std::size_t>(kConfigurations));
+    for (int index = 0; index < model.instanceCount; ++index) {
+        dlPart* expected = model.getDLPart(&source, index % kConfigurations);
+        EXPECT_EQ(model.instances[index].part, expected) << index;
+        EXPECT_EQ(expected->instanceUseCount, 2);
+    }
+}
+
 TEST_F(AssemblyTranslation, AddsThePartBeforeItIsCapturedAndCapturesBeforeTheDecals)
 {
     Component component(L"c-1@a", &bolt.part);
@@ -289,8 +309,6 @@ TEST_F(AssemblyTranslation, RaisesInvalidArgumentWhenTheArrayShrinksUnderTheWalk
     standIns().onPartDecals = [&](dlPart&, int) { components.count = 1; };
     EXPECT_EQ(codeRaisedBy(components), platform::kErrorInvalidArgument);
 }
-
-// ----------------------------------------------------------------------------------- cancellation
 
 class CancelledAssembly : public AssemblyTranslation {
 protected:
@@ -376,8 +394,6 @@ TEST_F(CancelledAssembly, RunsPassTwoToItsEndOnceBegun)
     EXPECT_EQ(model.viewScale, 9.0);
 }
 
-// ---------------------------------------------------------------------------------------- extras
-
 struct ExtrasCase {
     const char* name;
     bool block;
@@ -410,8 +426,6 @@ const ExtrasCase kExtras[] = {
 };
 INSTANTIATE_TEST_SUITE_P(Rows, Extras, testing::ValuesIn(kExtras),
                          [](const auto& row) { return row.param.name; });
-
-// -------------------------------------------------------------------------------------- pass two
 
 TEST_F(AssemblyTranslation, FillsEachInstanceInItsOrder)
 {
@@ -670,6 +684,18 @@ TEST_F(AssemblyTranslation, KeepsAnimatedInstancesOfDifferentNamesApart)
     EXPECT_THAT(groups.at(&model.instances[0]), ElementsAre(&model.instances[0], &model.instances[2]));
 }
 
+// The flag has to stand before the grouping: it is the later instance alone that is animated.
+TEST_F(AssemblyTranslation, KeepsAnAnimatedInstanceApartFromAnEarlierOneThatIsNot)
+{
+    Component still(L"c-1@a", &bolt.part);
+    Component animated(L"c-2@a", &bolt.part);
+    Components components{&still, &animated};
+    model.animationTracks[L"any"];
+    standIns().animatedNames = {"c-2@a"};
+    translate(components);
+    EXPECT_EQ(partOf(bolt)->associatedInstances.size(), 2u);
+}
+
 TEST_F(AssemblyTranslation, CallsTheLightsAfterTheInstancesAndLeavesTheSceneAlone)
 {
     ovPointerArray<moLight_c> lights;
@@ -696,8 +722,6 @@ TEST_F(AssemblyTranslation, CallsTheLightsAfterTheInstancesAndLeavesTheSceneAlon
     EXPECT_EQ(model.viewScale, 4.0);
     EXPECT_EQ(recorder().countBeginning("translateScene"), 0u);
 }
-
-// ----------------------------------------------------------------- a reader that changes its mind
 
 // The change happens at the end of pass one: when the decals of the last new part are hung.
 class ChangedAssembly : public AssemblyTranslation {

@@ -2,41 +2,19 @@
 
 #include <gmock/gmock.h>
 
-#include <cstdio>
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <new>
 #include <stdexcept>
 
 #include "ReaderFixtures.h"
 #include "ScriptedFormats.h"
+#include "TemporaryFolder.h"
 
 namespace {
 
 using ovdl::FormatRegistry;
 using scripted::Format;
 using testing::ElementsAre;
-
-// A folder of its own that goes with it.
-class TemporaryFolder {
-public:
-    TemporaryFolder()
-    {
-        std::string pattern = std::filesystem::temp_directory_path() / "reader-XXXXXX";
-        if (!mkdtemp(pattern.data()))
-            throw std::runtime_error("no temporary folder");
-        path_ = pattern;
-    }
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-    ~TemporaryFolder() { std::filesystem::remove_all(path_); }
-
-    std::filesystem::path path() const { return path_; }
-
-private:
-    std::filesystem::path path_;
-};
 
 class TwoFormats : public testing::Test {
 protected:
@@ -110,9 +88,8 @@ TEST_F(TwoFormats, LetsOutOfMemoryThrough)
 
 TEST_F(TwoFormats, SaysWhyNothingOpens)
 {
-    const TemporaryFolder folder;
-    const auto file = folder.path() / "plain.txt";
-    std::ofstream(file) << "text";
+    const fixtures::TemporaryFolder folder;
+    const auto file = folder.write("plain.txt", "text");
     const auto whyNot = [this](const std::filesystem::path& path) {
         EXPECT_EQ(registry->find(path.wstring(), reason), nullptr);
         return reason;

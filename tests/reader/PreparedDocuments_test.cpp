@@ -2,12 +2,13 @@
 
 #include <gmock/gmock.h>
 
-#include <filesystem>
-#include <fstream>
+#include <cstdio>
+#include <cstdlib>
 #include <new>
 #include <stdexcept>
 
 #include "ReaderFixtures.h"
+#include "TemporaryFolder.h"
 
 namespace {
 
@@ -42,8 +43,6 @@ struct Counts {
         };
     }
 };
-
-// --------------------------------------------------------------------------------- ownership
 
 TEST(PreparedDocument, HasTheseDefaults)
 {
@@ -109,8 +108,6 @@ TEST(PreparedDocument, OutlivesItsPlaceInTheTable)
     EXPECT_EQ(counts.alive, 1);
     EXPECT_FALSE(document.partDocument->isRejected());
 }
-
-// --------------------------------------------------------------------------- probes and reads
 
 TEST(PreparedProbe, MakesTheDocumentThatTheReadThenGets)
 {
@@ -179,6 +176,23 @@ TEST(PreparedProbe, ServesOneReadOnly)
     readInto(document, kPath);
     readInto(document, kPath);
     EXPECT_EQ(counts.made, 2);
+}
+
+TEST(PreparedProbeDeathTest, IsLetGoAtTheEndOfTheProcess)
+{
+    struct LastWords {
+        ~LastWords() { std::fputs("released at the end", stderr); }
+    };
+    const auto endAfterProbe = [] {
+        ovdl::prepareDocument(kPath, [] {
+            auto document = emptyPart();
+            document->own<LastWords>();
+            return document;
+        });
+        probe(kPath);
+        std::exit(0);
+    };
+    EXPECT_EXIT(endAfterProbe(), testing::ExitedWithCode(0), "released at the end");
 }
 
 TEST(PreparedProbe, SaysNoForADocumentThatCannotBeOpened)
@@ -267,8 +281,6 @@ TEST(PreparedFactory, LivesUntilItIsForgotten)
     EXPECT_EQ(kept.use_count(), 1);
 }
 
-// ------------------------------------------------------------------------------------- paths
-
 TEST(PreparedPath, IsComparedExactly)
 {
     const Prepared prepared(L"Folder/Part.x", emptyPart);
@@ -288,8 +300,8 @@ TEST(PreparedPath, TakesAnyText)
 
 TEST(PreparedPath, TakesThePlaceOfAFile)
 {
-    const auto file = std::filesystem::temp_directory_path() / "prepared-over-a-file.glb";
-    std::ofstream(file, std::ios::binary) << "glTF, but not really";
+    const fixtures::TemporaryFolder folder;
+    const auto file = folder.write("part.glb", "glTF, but not really");
     {
         const Prepared prepared(file.wstring(), emptyPart);
         CDispListsDoc document;
@@ -301,7 +313,6 @@ TEST(PreparedPath, TakesThePlaceOfAFile)
         EXPECT_FALSE(probe(file.wstring()));
         EXPECT_EQ(ovdl::lastReason(), "the prepared document could not be made");
     }
-    std::filesystem::remove(file);
 }
 
 TEST(PreparedPath, IsFreeAgainOnceForgotten)

@@ -1,19 +1,19 @@
 #include <gmock/gmock.h>
 
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <filesystem>
-#include <fstream>
 #include <iterator>
 
 #include "ReaderFixtures.h"
+#include "TemporaryFolder.h"
 
 namespace {
 
 using fixtures::emptyPart;
 using fixtures::Prepared;
 using fixtures::readInto;
+using fixtures::TemporaryFolder;
 
 constexpr wchar_t kPath[] = L"prepared/storage";
 
@@ -27,8 +27,6 @@ long openFiles()
     const std::filesystem::directory_iterator files("/proc/self/fd");
     return std::distance(begin(files), end(files));
 }
-
-// ------------------------------------------------------------------------------------- probes
 
 TEST(CreateStorage, NeverGivesNull)
 {
@@ -53,47 +51,44 @@ TEST(CreateStorage, IsOpenForADocumentThatAFormatRecognises)
 
 TEST(CreateStorage, IsNotOpenForAnythingElse)
 {
-    const auto folder = std::filesystem::temp_directory_path();
-    const auto file = folder / "storage-of-no-format.txt";
-    std::ofstream(file) << "text";
+    const TemporaryFolder folder;
+    const auto file = folder.write("plain.txt", "text");
     CDispListsDoc document;
     EXPECT_EQ(create(L"")->isOpen(), 0);
-    EXPECT_EQ(create((folder / "no such file").wstring())->isOpen(), 0);
+    EXPECT_EQ(create((folder.path() / "no such file").wstring())->isOpen(), 0);
     EXPECT_EQ(ovdl::lastReason(), "there is no such file");
-    EXPECT_EQ(create(folder.wstring())->isOpen(), 0);
+    EXPECT_EQ(create(folder.path().wstring())->isOpen(), 0);
     EXPECT_EQ(ovdl::lastReason(), "a folder is no document");
     EXPECT_EQ(create(L"/dev/zero")->isOpen(), 0);
     EXPECT_EQ(create(file.wstring())->isOpen(), 0);
     EXPECT_EQ(ovdl::lastReason(), "no format of this reader recognises the file");
-    std::filesystem::remove(file);
 }
 
 TEST(CreateStorage, DoesNotWaitForAPipe)
 {
-    const auto pipe = std::filesystem::temp_directory_path() / "storage-pipe.glb";
-    std::filesystem::remove(pipe);
+    const TemporaryFolder folder;
+    const auto pipe = folder.path() / "pipe.glb";
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     CDispListsDoc document;
     EXPECT_EQ(create(pipe.wstring())->isOpen(), 0);
-    std::filesystem::remove(pipe);
 }
 
 TEST(CreateStorage, HoldsNoFileOnceItWasAsked)
 {
-    const auto file = std::filesystem::temp_directory_path() / "storage-held.gltf";
-    std::ofstream(file) << "{\"asset\":{\"version\":\"2.0\"}}";
+    const TemporaryFolder folder;
+    const auto file = folder.write("empty.gltf", "{\"asset\":{\"version\":\"2.0\"}}");
     CDispListsDoc document;
     create(file.wstring())->isOpen();
     const long before = openFiles();
     create(file.wstring())->isOpen();
     create(file.wstring());
     EXPECT_EQ(openFiles(), before);
-    std::filesystem::remove(file);
 }
 
 TEST(CreateStorage, MakesNoFile)
 {
-    const auto file = std::filesystem::temp_directory_path() / "storage-to-be-made";
+    const TemporaryFolder folder;
+    const auto file = folder.path() / "new";
     CDispListsDoc document;
     auto* storage =
         suFileStorage::createStorage(file.wstring(), 1, nullptr, nullptr, 0, 1, nullptr, nullptr);
@@ -137,8 +132,6 @@ TEST(CreateStorage, HasNoStoragesInside)
     EXPECT_EQ(storage->loadVersion(), 10000u);
     EXPECT_EQ(storage->loadDLVersion(), 0u);
 }
-
-// ------------------------------------------------------------------------ structured storages
 
 TEST(StructuredStorage, BelongsToWhoeverMakesIt)
 {

@@ -131,7 +131,7 @@ TEST(TreeReports, WorkForATreeDeeperThanTheStack)
     builder.instance("leaf-1@t", &part);
     const auto model = ModelBuilder::withTree(builder.build());
     dlAssemblyNode* node = model->assemblyRoot;
-    const int depth = 200000;
+    const int depth = 60000;
     for (int i = 0; i < depth; ++i) {
         auto* child = new dlAssemblyNode;
         child->parent = node;
@@ -140,7 +140,7 @@ TEST(TreeReports, WorkForATreeDeeperThanTheStack)
         node->children["n"] = child;
         node = child;
     }
-    EXPECT_NE(treeText(*model, {}).find("[level 200000] n"), std::string::npos);
+    EXPECT_NE(treeText(*model, {}).find("[level 60000] n"), std::string::npos);
     std::ostringstream out;
     tool::writeTreeJson(*model, {}, out);
     const std::string text = out.str();
@@ -396,6 +396,7 @@ TEST(MaterialsJson, SurvivesNumbersThatAreNone)
     model->instances[0].material->texture.scaleU = std::numeric_limits<float>::infinity();
     model->instances[0].material->color[1] = std::numeric_limits<float>::quiet_NaN();
     model->instances[0].material->color[2] = 7;
+    model->instances[0].material->texture.filename = L"a\xD800\x7FFFFFFF";
     const json result = materialsJson(*model);
     EXPECT_EQ(result["materials"][0]["transparency"], "NaN");
     EXPECT_EQ(result["materials"][0]["texturePlacement"]["scaleU"], "Infinity");
@@ -449,6 +450,57 @@ TEST(GltfMaterial, TurnsTransparencyIntoBlending)
     const auto written = tool::gltfMaterial(material);
     EXPECT_EQ(written["pbrMetallicRoughness"]["baseColorFactor"][3], 0.75);
     EXPECT_EQ(written["alphaMode"], "BLEND");
+}
+
+TEST(GltfMaterial, TurnsShininessIntoSmoothness)
+{
+    dlMaterial material;
+    material.shininess = 0.75f;
+    material.specular = 0.75f * 0.04f;
+    auto pbr = tool::gltfMaterial(material)["pbrMetallicRoughness"];
+    EXPECT_EQ(pbr["roughnessFactor"], 0.25);
+    EXPECT_NEAR(pbr["metallicFactor"].get<double>(), 0, 1e-7);
+    material.specular = 0.75f;
+    EXPECT_EQ(tool::gltfMaterial(material)["pbrMetallicRoughness"]["metallicFactor"], 1.0);
+    material.specular = 0.75f * 0.52f;
+    pbr = tool::gltfMaterial(material)["pbrMetallicRoughness"];
+    EXPECT_NEAR(pbr["metallicFactor"].get<double>(), 0.5, 1e-7);
+}
+
+struct EmissionCase {
+    const char* name;
+    std::array<float, 3> colour;
+    std::uint32_t second;
+    float emission;
+    std::array<double, 3> factor;
+};
+const EmissionCase kEmissions[] = {
+    {"shines_in_its_own_colour", {1, 0, 0}, 0x00FFFFFF, 0.5f, {0.5, 0, 0}},
+    {"the_top_byte_is_no_colour", {1, 0, 0}, 0xABFFFFFF, 0.5f, {0.5, 0, 0}},
+    {"shines_in_the_second_colour", {1, 0, 0}, 0x0000FF00, 0.25f, {0, 0.25, 0}},
+    {"black_shines_white", {0, 0, 0}, 0x00FFFFFF, 1.0f, {1, 1, 1}},
+    {"the_strongest_part_has_the_strength", {0, 0, 0}, 0x00000080, 1.0f, {1, 0, 0}},
+};
+class Emissions : public testing::TestWithParam<EmissionCase> {};
+TEST_P(Emissions, HaveColourAndStrength)
+{
+    dlMaterial material;
+    std::copy_n(GetParam().colour.begin(), 3, material.color);
+    material.secondColorRef = GetParam().second;
+    material.emission = GetParam().emission;
+    const auto written = tool::gltfMaterial(material);
+    for (int i = 0; i < 3; ++i)
+        EXPECT_EQ(written["emissiveFactor"][i], GetParam().factor[i]) << i;
+}
+INSTANTIATE_TEST_SUITE_P(Rows, Emissions, testing::ValuesIn(kEmissions),
+                         [](const auto& row) { return row.param.name; });
+
+TEST(GltfMaterial, IsDarkWithoutAColourToShineIn)
+{
+    dlMaterial material;
+    material.secondColorRef = 0;
+    material.emission = 1;
+    EXPECT_FALSE(tool::gltfMaterial(material).contains("emissiveFactor"));
 }
 
 TEST(GltfMaterial, KeepsEveryFactorInRange)

@@ -9,11 +9,10 @@ namespace platform {
 
 namespace {
 
-std::string describeCode(const char* what, std::uint32_t code)
+template <std::size_t size>
+void describeCode(char (&text)[size], const char* what, std::uint32_t code)
 {
-    char text[64];
-    std::snprintf(text, sizeof text, "%s failed with code 0x%08X", what, static_cast<unsigned>(code));
-    return text;
+    std::snprintf(text, size, "%s failed with code 0x%08X", what, static_cast<unsigned>(code));
 }
 
 const char* describeCause(ArchiveError::Cause cause)
@@ -31,24 +30,26 @@ const char* describeCause(ArchiveError::Cause cause)
 
 }  // namespace
 
-ComError::ComError(std::uint32_t code) : code_(code), text_(describeCode("operation", code))
+ComError::ComError(std::uint32_t code) noexcept : code_(code)
 {
+    describeCode(text_, "operation", code);
 }
 ComError::~ComError() = default;
 
 const char* ComError::what() const noexcept
 {
-    return text_.c_str();
+    return text_;
 }
 
-OleError::OleError(std::uint32_t code) : code_(code), text_(describeCode("compound file operation", code))
+OleError::OleError(std::uint32_t code) noexcept : code_(code)
 {
+    describeCode(text_, "compound file operation", code);
 }
 OleError::~OleError() = default;
 
 const char* OleError::what() const noexcept
 {
-    return text_.c_str();
+    return text_;
 }
 
 ArchiveError::ArchiveError(Cause cause, std::wstring fileName)

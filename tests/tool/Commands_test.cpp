@@ -1,0 +1,445 @@
+// Whole commands in this process, on prepared documents.
+#include <gmock/gmock.h>
+
+#include <csignal>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+#include "Documents.h"
+#include "Folder.h"
+#include "raylume/platform/HostSetup.h"
+#include "raylume/platform/Text.h"
+#include "raylume/scene/dlModel.h"
+#include "reader/HostHandlers.h"
+#include "tools/TemporaryFolder.h"
+#include "tools/Tool.h"
+
+namespace {
+
+using nlohmann::json;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+using tool_test::band;
+using tool_test::DocumentBuilder;
+using tool_test::Folder;
+using tool_test::Prepared;
+
+struct Said {
+    int status;
+    std::string out;
+    std::string err;
+};
+
+Said run(std::vector<std::string> arguments, bool terminal = false)
+{
+    std::vector<const char*> pointers = {"raylume-dl"};
+    for (const std::string& argument : arguments)
+        pointers.push_back(argument.c_str());
+    std::ostringstream out;
+    std::ostringstream err;
+    const int status = tool::run(static_cast<int>(pointers.size()), pointers.data(), out, err, terminal);
+    return {status, out.str(), err.str()};
+}
+
+long lines(const std::string& text)
+{
+    return std::count(text.begin(), text.end(), '\n');
+}
+
+void fillAssembly(DocumentBuilder& builder)
+{
+    auto* part = builder.simplePart({band(4)});
+    builder.assembly({builder.component(L"a-1@t", part), builder.component(L"s-1@t/a-1@s", part)});
+    builder.configuration(L"Kurz \u00FC\tx", {builder.component(L"k-1@t", part)});
+}
+
+TEST(Info, TellsAboutAPreparedAssembly)
+{
+    const Prepared document("/prepared/box.asm", fillAssembly);
+    const Said said = run({"info", document.path(), "--json"});
+    EXPECT_EQ(said.status, 0);
+    EXPECT_EQ(said.err, "");
+    const json info = json::parse(said.out);
+    EXPECT_EQ(info["outcome"], "model");
+    EXPECT_EQ(info["modelName"], "box.asm");
+    EXPECT_EQ(info["isPartDocument"], false);
+    EXPECT_EQ(info["documentVersion"], 12000);
+    EXPECT_EQ(info["versionGatePassed"], true);
+    EXPECT_EQ(info["partCount"], 1);
+    EXPECT_EQ(info["instanceCount"], 2);
+    EXPECT_EQ(info["bodyCount"], 1);
+    EXPECT_EQ(info["faceCount"], 1);
+    EXPECT_EQ(info["vertexCount"], 6);
+    EXPECT_EQ(info["triangleCount"], 4);
+    EXPECT_EQ(info["lightCount"], 0);
+    EXPECT_EQ(info["singletonCount"], 0);
+    EXPECT_EQ(info["bbox"], json::parse(R"({"min": [0, 0, 0], "max": [2, 1, 0]})"));
+    EXPECT_GE(info["loadSeconds"].get<double>(), 0.0);
+    EXPECT_LT(info["loadSeconds"].get<double>(), 100.0);
+    EXPECT_FALSE(info.contains("reason"));
+}
+
+TEST(Info, HasNoBoxForAModelWithoutPoints)
+{
+    const Prepared document("/prepared/empty.asm", [](DocumentBuilder& builder) { builder.assembly({}); });
+    EXPECT_EQ(json::parse(run({"info", document.path(), "--json"}).out)["bbox"], nullptr);
+}
+
+TEST(Info, TellsAboutARejectedDocument)
+{
+    const Prepared document("/prepared/bad.asm", [](DocumentBuilder& builder) {
+        builder.assembly({});
+        builder.document().rejected = true;
+        builder.document().reason = "the header is torn";
+    });
+    const Said said = run({"info", document.path(), "--json"});
+    EXPECT_EQ(said.status, 1);
+    const json info = json::parse(said.out);
+    EXPECT_EQ(info["outcome"], "rejected");
+    EXPECT_EQ(info["reason"], "the header is torn");
+    EXPECT_EQ(info["modelName"], "bad.asm");
+    EXPECT_EQ(
+        said.err,
+        "raylume-dl: /prepared/bad.asm: rejected: the document gives no model (the header is torn)\n");
+}
+
+TEST(Info, TellsAboutADocumentThatDoesNotOpen)
+{
+    const Prepared document("/prepared/locked.asm", [](DocumentBuilder& builder) {
+        builder.document().openable = false;
+        builder.document().reason = "it is locked";
+    });
+    const Said said = run({"info", document.path(), "--json"});
+    EXPECT_EQ(said.status, 1);
+    const json info = json::parse(said.out);
+    EXPECT_EQ(info["outcome"], "none");
+    EXPECT_EQ(info["reason"], "it is locked");
+    EXPECT_EQ(said.err,
+              "raylume-dl: /prepared/locked.asm: none: the document cannot be opened (it is locked)\n");
+}
+
+TEST(Info, TellsAboutAnArrayThatContradictsItself)
+{
+    const Prepared document("/prepared/lying.asm", [](DocumentBuilder& builder) {
+        auto* part = builder.simplePart({band(1)});
+        builder.assembly({builder.component(L"a-1@t", part)});
+        class Lying : public uoTempPartTessData_c {
+            int getNumBodies() const override { return 5; }
+        };
+        auto* lying = builder.document().own<Lying>();
+        lying->bodies = part->bodies;
+        builder.assembly({builder.component(L"a-1@t", lying)});
+    });
+    const Said said = run({"info", document.path(), "--json"});
+    EXPECT_EQ(said.status, 1);
+    EXPECT_EQ(json::parse(said.out)["outcome"], "none");
+    EXPECT_EQ(lines(said.err), 1);
+    EXPECT_THAT(said.err, HasSubstr("80070057"));
+}
+
+TEST(OtherCommands, SayNothingOnStandardOutputWithoutAModel)
+{
+    const Folder folder;
+    for (const char* command : {"tree", "materials"}) {
+        for (const bool asJson : {false, true}) {
+            std::vector<std::string> arguments = {command, "/prepared/nothing"};
+            if (asJson)
+                arguments.push_back("--json");
+            const Said said = run(arguments);
+            EXPECT_EQ(said.status, 1) << command;
+            EXPECT_EQ(said.out, "") << command;
+            EXPECT_EQ(lines(said.err), 1) << said.err;
+            EXPECT_THAT(said.err, StartsWith("raylume-dl: /prepared/nothing: none: "));
+        }
+    }
+    const Said said = run({"export", "/prepared/nothing", folder / "o.glb"});
+    EXPECT_EQ(said.status, 1);
+    EXPECT_EQ(said.out, "");
+    EXPECT_EQ(lines(said.err), 1);
+    EXPECT_THAT(folder.entries(), IsEmpty());
+}
+
+TEST(Tree, ShowsAPreparedAssembly)
+{
+    const Prepared document("/prepared/box.asm", fillAssembly);
+    EXPECT_EQ(run({"tree", document.path()}).out,
+              "t  (2 instances)\n"
+              "  a-1@t  part \"<>a\"\n"
+              "  s-1@t  (1 instance)\n"
+              "    a-1@s  part \"<>a\"\n");
+    EXPECT_EQ(run({"tree", document.path(), "--depth", "1"}).out,
+              "t  (2 instances)\n"
+              "  a-1@t  part \"<>a\"\n"
+              "  s-1@t  (1 instance, not shown)\n");
+    EXPECT_EQ(json::parse(run({"tree", document.path(), "--json"}).out)["subtreeCount"], 2);
+}
+
+TEST(MaterialsCommand, ShowsAppearances)
+{
+    const Prepared document("/prepared/colours.asm", [](DocumentBuilder& builder) {
+        auto* component = builder.component(L"a-1@t", builder.simplePart({band(1)}));
+        component->vizProps = builder.look(0x000080FF, 0.5);
+        builder.assembly({component});
+    });
+    EXPECT_THAT(run({"materials", document.path()}).out,
+                StartsWith("1 appearance\n  1. #ff8000  transparency 0.5\n"));
+    const json result = json::parse(run({"materials", document.path(), "--json"}).out);
+    EXPECT_EQ(result["materials"][0]["color"], "#ff8000");
+    EXPECT_EQ(result["materials"][0]["uses"]["instance"], 1);
+}
+
+// ---------------------------------------------------------------------------------- configurations
+
+std::string firstToken(const Said& said)
+{
+    return json::parse(said.out)["components"][0]["token"];
+}
+
+/// Points "temp" at a folder for one test.
+class TemporaryFolderIs {
+public:
+    explicit TemporaryFolderIs(const std::string& path) { platform::setEnvironmentVariable("temp", path); }
+    TemporaryFolderIs(const TemporaryFolderIs&) = delete;
+    TemporaryFolderIs& operator=(const TemporaryFolderIs&) = delete;
+    ~TemporaryFolderIs() { platform::removeEnvironmentVariable("temp"); }
+};
+
+TEST(Configuration, IsLoadedByItsName)
+{
+    const Folder folder;
+    const TemporaryFolderIs temp(folder.path());
+    const Prepared document("/prepared/box.asm", fillAssembly);
+    EXPECT_EQ(firstToken(run({"tree", document.path(), "--json"})), "a-1@t");
+    const std::string name = "Kurz \xC3\xBC\tx";
+    EXPECT_EQ(firstToken(run({"--configuration", name, "tree", document.path(), "--json"})), "k-1@t");
+    EXPECT_EQ(firstToken(run({"tree", document.path(), "--json", "--configuration=" + name})), "k-1@t");
+    EXPECT_EQ(firstToken(run({"--configuration", "unknown", "tree", document.path(), "--json"})), "a-1@t");
+    EXPECT_THAT(folder.entries(), IsEmpty());
+    EXPECT_EQ(std::string(std::getenv("temp")), folder.path());
+}
+
+TEST(Configuration, LeavesTheFileOfOtherProgramsAlone)
+{
+    const Folder folder;
+    const TemporaryFolderIs temp(folder.path());
+    const std::string file = folder / "LDRConfigName.txt";
+    tool_test::writeFile(file, "x\tKurz \xC3\xBC\tx\n");
+    const Prepared document("/prepared/box.asm", fillAssembly);
+    EXPECT_EQ(firstToken(run({"tree", document.path(), "--json"})), "k-1@t");
+    EXPECT_EQ(firstToken(run({"--configuration", "none", "tree", document.path(), "--json"})), "a-1@t");
+    EXPECT_EQ(tool_test::readFile(file), "x\tKurz \xC3\xBC\tx\n");
+    EXPECT_THAT(folder.entries(), ElementsAre("LDRConfigName.txt"));
+}
+
+TEST(Configuration, LeavesNoFolderBehindWhenTheLoadFails)
+{
+    const Folder folder;
+    const TemporaryFolderIs temp(folder.path());
+    EXPECT_EQ(run({"--configuration", "a", "info", "/prepared/nothing"}).status, 1);
+    const Prepared raising("/prepared/raising", [](DocumentBuilder&) { std::raise(SIGTERM); });
+    EXPECT_EQ(run({"--configuration", "a", "info", raising.path()}).status, 1);
+    EXPECT_THAT(folder.entries(), IsEmpty());
+}
+
+TEST(Configuration, NeedsAFolderThatCanBeWritten)
+{
+    const Folder folder;
+    const TemporaryFolderIs temp(folder / "gone");
+    const Prepared document("/prepared/box.asm", fillAssembly);
+    const Said said = run({"--configuration", "a", "tree", document.path()});
+    EXPECT_EQ(said.status, 1);
+    EXPECT_EQ(lines(said.err), 1);
+    EXPECT_THAT(said.err, HasSubstr("no folder can be made in " + (folder / "gone")));
+}
+
+TEST(Configuration, IsOneLine)
+{
+    EXPECT_EQ(run({"--configuration", "a\nb", "info", "x"}).status, 2);
+    EXPECT_EQ(run({"--configuration", "a\r", "info", "x"}).status, 2);
+}
+
+TEST(TemporaryFolder, IsProvidedWhenTheEnvironmentNamesNone)
+{
+    const Folder folder;
+    for (const char* name : {"temp", "TEMP", "tmp", "TMP"})
+        platform::removeEnvironmentVariable(name);
+    platform::setEnvironmentVariable("TMPDIR", folder.path());
+    tool::provideTemporaryFolder();
+    EXPECT_EQ(std::string(std::getenv("temp")), folder.path());
+    platform::removeEnvironmentVariable("TMPDIR");
+    tool::provideTemporaryFolder();
+    EXPECT_EQ(std::string(std::getenv("temp")), folder.path()) << "what is set stays";
+    platform::setEnvironmentVariable("temp", "");
+    tool::provideTemporaryFolder();
+    EXPECT_TRUE(std::filesystem::is_directory(std::getenv("temp")));
+    platform::removeEnvironmentVariable("temp");
+    platform::setEnvironmentVariable("tmp", "/elsewhere");
+    tool::provideTemporaryFolder();
+    EXPECT_EQ(std::getenv("temp"), nullptr);
+    platform::removeEnvironmentVariable("tmp");
+}
+
+// ------------------------------------------------------------------------------------ interruption
+
+TEST(Interruption, CancelsALoad)
+{
+    for (const int signal : {SIGINT, SIGTERM}) {
+        const Folder folder;
+        const Prepared document("/prepared/slow.asm", [signal](DocumentBuilder& builder) {
+            fillAssembly(builder);
+            std::raise(signal);
+        });
+        for (const char* command : {"info", "tree", "materials", "export"}) {
+            std::vector<std::string> arguments = {command, document.path()};
+            if (arguments[0] == "export")
+                arguments.push_back(folder / "o.glb");
+            const Said said = run(arguments);
+            EXPECT_EQ(said.status, 1) << command;
+            EXPECT_EQ(said.out, "") << command;
+            EXPECT_EQ(said.err, "raylume-dl: cancelled\n") << command;
+            EXPECT_FALSE(g_terminateLoad) << "the flag must not cancel the next load";
+        }
+        EXPECT_THAT(folder.entries(), IsEmpty());
+    }
+}
+
+TEST(Interruption, CancelsWhileTheModelIsMade)
+{
+    // Asked by the translation, when the reader has long ended: only the library's flag helps here.
+    const Prepared document("/prepared/late.asm", [](DocumentBuilder& builder) {
+        class Late : public uoTempPartTessData_c {
+            int getNumBodies() const override
+            {
+                std::raise(SIGINT);
+                return 0;
+            }
+        };
+        builder.assembly({builder.component(L"a-1@t", builder.document().own<Late>())});
+    });
+    const Said said = run({"info", document.path()});
+    EXPECT_EQ(said.status, 1);
+    EXPECT_EQ(said.err, "raylume-dl: cancelled\n");
+}
+
+TEST(Interruption, DoesNotReachTheNextLoad)
+{
+    const Prepared slow("/prepared/slow.asm", [](DocumentBuilder& builder) {
+        fillAssembly(builder);
+        std::raise(SIGINT);
+    });
+    const Prepared document("/prepared/box.asm", fillAssembly);
+    EXPECT_EQ(run({"info", slow.path()}).status, 1);
+    EXPECT_EQ(run({"info", document.path()}).status, 0);
+}
+
+TEST(Interruption, LeavesTheSignalsAsTheyWere)
+{
+    const auto mine = [](int) {};
+    std::signal(SIGINT, mine);
+    run({"info", "/prepared/nothing"});
+    const auto after = std::signal(SIGINT, SIG_DFL);
+    EXPECT_EQ(after, static_cast<void (*)(int)>(mine));
+}
+
+// ----------------------------------------------------------------------------------- command line
+
+struct UsageCase {
+    const char* name;
+    std::vector<std::string> arguments;
+    const char* message;
+};
+const UsageCase kBadUsage[] = {
+    {"no_command", {}, "a command is missing"},
+    {"an_unknown_command", {"frobnicate"}, "there is no command \"frobnicate\""},
+    {"an_unknown_command_with_a_document", {"frobnicate", "x.gltf"}, "there is no command \"frobnicate\""},
+    {"a_command_that_comes_later", {"animation", "x.gltf"}, "there is no command \"animation\""},
+    {"no_document", {"info"}, "DOC is required"},
+    {"no_output", {"export", "x.gltf"}, "OUT is required"},
+    {"too_many_documents", {"tree", "a", "b"}, "b"},
+    {"an_unknown_option", {"info", "a", "--yaml"}, "--yaml"},
+    {"json_of_an_export", {"export", "a", "b", "--json"}, "--json"},
+    {"a_depth_below_zero", {"tree", "a", "--depth", "-1"}, "no number of levels"},
+    {"a_depth_that_is_no_number", {"tree", "a", "--depth", "deep"}, "no number of levels"},
+    {"a_depth_without_a_number", {"tree", "a", "--depth"}, "--depth"},
+    {"a_depth_for_info", {"info", "a", "--depth", "1"}, "--depth"},
+    {"a_configuration_without_a_name", {"info", "a", "--configuration"}, "--configuration"},
+};
+class BadUsage : public testing::TestWithParam<UsageCase> {};
+TEST_P(BadUsage, ShowsWhyAndTheUsage)
+{
+    const Said said = run(GetParam().arguments);
+    EXPECT_EQ(said.status, 2);
+    EXPECT_EQ(said.out, "");
+    EXPECT_THAT(said.err.substr(0, said.err.find('\n')), HasSubstr(GetParam().message));
+    EXPECT_THAT(said.err, HasSubstr("Usage: raylume-dl"));
+}
+INSTANTIATE_TEST_SUITE_P(Rows, BadUsage, testing::ValuesIn(kBadUsage),
+                         [](const auto& row) { return row.param.name; });
+
+TEST(Help, GoesToStandardOutput)
+{
+    for (const auto& arguments :
+         std::vector<std::vector<std::string>>{{"--help"}, {"-h"}, {"tree", "--help"}}) {
+        const Said said = run(arguments);
+        EXPECT_EQ(said.status, 0);
+        EXPECT_EQ(said.err, "");
+        EXPECT_THAT(said.out, HasSubstr("Usage: raylume-dl"));
+    }
+    const std::string help = run({"--help"}).out;
+    for (const char* word : {"info", "tree", "materials", "export", "--configuration", "--version"})
+        EXPECT_THAT(help, HasSubstr(word));
+}
+
+TEST(Version, GoesToStandardOutput)
+{
+    const Said said = run({"--version"});
+    EXPECT_EQ(said.status, 0);
+    EXPECT_EQ(said.err, "");
+    EXPECT_THAT(said.out, testing::MatchesRegex("raylume-dl [0-9]+\\.[0-9]+\\.[0-9]+\n"));
+}
+
+TEST(Results, ThatCannotBeWrittenAreAFailure)
+{
+    const Prepared document("/prepared/box.asm", fillAssembly);
+    const char* arguments[] = {"raylume-dl", "info", "/prepared/box.asm"};
+    std::ostringstream out;
+    out.setstate(std::ios::badbit);
+    std::ostringstream err;
+    EXPECT_EQ(tool::run(3, arguments, out, err, false), 1);
+    EXPECT_EQ(err.str(), "raylume-dl: the results cannot be written\n");
+}
+
+TEST(Paths, AreUtf8WhateverTheCodePage)
+{
+    const Prepared document("/prepared/gr\xC3\xBC\xC3\x9F.asm", fillAssembly);
+    EXPECT_EQ(json::parse(run({"info", document.path(), "--json"}).out)["modelName"],
+              "gr\xC3\xBC\xC3\x9F.asm");
+    const int before = platform::ansiCodePage();
+    ASSERT_TRUE(platform::setAnsiCodePage(1252));
+    EXPECT_EQ(json::parse(run({"info", document.path(), "--json"}).out)["modelName"],
+              "gr\xC3\xBC\xC3\x9F.asm");
+    const Said lacking = run({"info", "/prepared/\xE6\x97\xA5.asm"});
+    platform::setAnsiCodePage(before);
+    EXPECT_EQ(lacking.status, 1);
+    EXPECT_THAT(lacking.err, HasSubstr("none"));
+    EXPECT_THAT(lacking.err, HasSubstr("code page"));
+}
+
+// --------------------------------------------------------------------------------------- progress
+
+TEST(Progress, IsDrawnAndErasedOnATerminal)
+{
+    const Prepared document("/prepared/box.asm", fillAssembly);
+    const std::string err = run({"info", document.path()}, true).err;
+    EXPECT_THAT(err, HasSubstr("%"));
+    EXPECT_EQ(lines(err), 0);
+    EXPECT_EQ(err.back(), '\r');
+    const std::string erased = err.substr(err.rfind('\r', err.size() - 2));
+    EXPECT_EQ(erased, "\r" + std::string(48, ' ') + "\r");
+    EXPECT_EQ(run({"info", document.path()}, false).err, "");
+}
+
+}  // namespace

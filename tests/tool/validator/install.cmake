@@ -1,0 +1,23 @@
+# Puts the validator into FOLDER, with the package list and the script from SOURCE beside it. Does
+# nothing when the wanted version is there already.
+find_program(NPM npm)
+if(NOT NPM)
+    message(FATAL_ERROR "npm is missing, so exported files cannot be validated (Debian package npm)")
+endif()
+file(READ ${SOURCE}/package.json wanted)
+string(JSON wanted_version GET "${wanted}" dependencies gltf-validator)
+file(MAKE_DIRECTORY ${FOLDER})
+file(COPY ${SOURCE}/package.json ${SOURCE}/validate.js DESTINATION ${FOLDER})
+set(installed ${FOLDER}/node_modules/gltf-validator/package.json)
+if(EXISTS ${installed})
+    file(READ ${installed} present)
+    string(JSON present_version GET "${present}" version)
+    if(present_version STREQUAL wanted_version)
+        return()
+    endif()
+endif()
+execute_process(COMMAND ${NPM} install --no-audit --no-fund --no-package-lock
+                WORKING_DIRECTORY ${FOLDER} RESULT_VARIABLE failed OUTPUT_VARIABLE said ERROR_VARIABLE said)
+if(failed OR NOT EXISTS ${installed})
+    message(FATAL_ERROR "npm cannot install gltf-validator ${wanted_version}:\n${said}")
+endif()
