@@ -20,7 +20,8 @@ public:
     static constexpr std::uint64_t kPathTimes = 64;
 
     void addBytes(std::uint64_t bytes) { bytes_ += bytes; }
-    std::uint64_t limit() const { return std::max(kFloor, kTimes * bytes_); }
+    static std::uint64_t limitFor(std::uint64_t bytes) { return std::max(kFloor, kTimes * bytes); }
+    std::uint64_t limit() const { return limitFor(bytes_); }
     std::uint64_t pathLimit() const { return std::max(kFloor, kPathTimes * bytes_); }
 
     /// Takes `count` elements of `size` bytes off; raises Refusal when that is too much.
