@@ -152,6 +152,8 @@ GeneratedGltf finish(const std::string& name, Document& document, const Grid& gr
     return result;
 }
 
+constexpr const char* kLevelNames[] = {"", "Cell", "Station", "Frame", "Joint"};
+
 // Nodes in the order of a depth-first walk; a node's children follow it, so their numbers are known.
 void addSubtree(Document& document, std::size_t level, std::size_t& next, std::size_t& leaf)
 {
@@ -163,7 +165,7 @@ void addSubtree(Document& document, std::size_t level, std::size_t& next, std::s
     ++next;
     if (level == kLevels) {
         const double turn = static_cast<double>(leaf % 360) * 0.0087;
-        document.nodes += comma(document.nodes) + "{\"name\":\"Bolt M" + number(leaf % 100) +
+        document.nodes += comma(document.nodes) + "{\"name\":\"Bolt " + number(leaf % 100) +
                           "\",\"mesh\":" + number(leaf % 100) + ",\"rotation\":[0,0," +
                           std::to_string(std::sin(turn)) + "," + std::to_string(std::cos(turn)) +
                           "],\"translation\":[" + std::to_string(static_cast<double>(leaf % 317) * 0.013) +

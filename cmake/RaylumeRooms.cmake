@@ -21,6 +21,9 @@ if(RAYLUME_SANITIZE)
                                                    -fno-sanitize-recover=all)
     target_link_options(raylume_flags INTERFACE -fsanitize=${RAYLUME_SANITIZE})
 endif()
+if(RAYLUME_BUILD_FUZZERS)
+    target_compile_options(raylume_flags INTERFACE -fsanitize=fuzzer-no-link)
+endif()
 if(RAYLUME_COVERAGE)
     target_compile_options(raylume_flags INTERFACE --coverage)
     target_link_options(raylume_flags INTERFACE --coverage)
@@ -28,6 +31,14 @@ endif()
 
 set_property(GLOBAL PROPERTY RAYLUME_ROOMS "")
 set_property(GLOBAL PROPERTY RAYLUME_LAYERS "")
+
+# A shared library has to name all that it uses. Not under sanitizers: their runtime comes with the
+# program.
+function(raylume_forbid_undefined target)
+    if(NOT RAYLUME_SANITIZE)
+        target_link_options(${target} PRIVATE -Wl,--no-undefined)
+    endif()
+endfunction()
 
 function(raylume_install_header header)
     get_filename_component(absolute ${header} ABSOLUTE)

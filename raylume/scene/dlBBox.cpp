@@ -1,5 +1,6 @@
 #include "raylume/scene/dlBBox.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "raylume/load/ReaderMaths.h"

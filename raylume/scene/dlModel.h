@@ -50,8 +50,9 @@ public:
     ///
     /// Three outcomes: a model; an empty model with loadRejected set, when the document was opened
     /// and gave nothing; null, when it could not be opened or the load was abandoned.
-    /// Errors: platform::ComError (invalid argument) when the reader's arrays contradict themselves,
-    ///   std::bad_alloc when memory runs out; both with everything unwound.
+    /// Errors: platform::ComError with kErrorInvalidArgument when the reader's arrays contradict
+    ///   themselves; std::bad_alloc when memory runs out, or ComError with kErrorOutOfMemory when it does
+    ///   so just before the read. All with everything unwound.
     static dlModel* ReadModel(const char* path);
 
     /// Stores a part under a geometry key and a configuration. A part already there is replaced and

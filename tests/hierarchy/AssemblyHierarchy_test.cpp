@@ -452,6 +452,24 @@ TEST(ModelBox, HoldsAllInstances)
     EXPECT_THAT(assembly.model.bbox.max, ElementsAre(1.0f, 6.0f, 1.0f));
 }
 
+TEST(ModelBox, FirstOfTwoEqualZerosStays)
+{
+    Assembly assembly({{"a-1@t"}, {"a-2@t"}});
+    dlBBox& box = assembly.parts[0]->bbox;
+    box = dlBBox();
+    const float origin[3] = {0, 0, 0};
+    box.addPoint(origin);
+    float* m = assembly.model.instances[0].xform.m;
+    for (const int i : {0, 4, 8}) {
+        m[i] = -1.0f;  // Every term of x' is -0, and so is their sum.
+    }
+    m[12] = -0.0f;
+    assembly.model.createAssemblyHierarchy();
+    EXPECT_TRUE(std::signbit(assembly.model.bbox.min[0]));
+    EXPECT_TRUE(std::signbit(assembly.model.bbox.max[0]));
+    EXPECT_FALSE(std::signbit(assembly.model.bbox.max[1]));
+}
+
 TEST(ModelBox, NaNPlacementMovesNoSideOfItsAxis)
 {
     Assembly assembly({{"a-1@t"}});
