@@ -248,48 +248,49 @@ TEST(Components, OfMeshesWithoutTrianglesAreThere)
 
 struct PlacementCase {
     const char* name;
-    Json node;
-    std::vector<double> elements;
+    const char* node;
+    std::array<double, 16> elements;
     double tolerance;
 };
 const double kHalf = 0.70710678118654752;
 const PlacementCase kPlacements[] = {
-    {"nowhere_in_particular", Json::object(), {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1}, 0},
+    {"nowhere_in_particular", "{}", {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1}, 0},
     {"a_translation",
-     {{"translation", {1, -2, 0.1}}},
+     R"({"translation": [1, -2, 0.1]})",
      {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 1, -2, 0.1, 1},
      0},
-    {"a_scale", {{"scale", {2, -3, 0.5}}}, {2, 0, 0, 0, 0, -3, 0, 0, 0, 0, 0.5, 0, 0, 0, 0, 1}, 0},
+    {"a_scale", R"({"scale": [2, -3, 0.5]})", {2, 0, 0, 0, 0, -3, 0, 0, 0, 0, 0.5, 0, 0, 0, 0, 1}, 0},
     {"a_quarter_turn_about_z",
-     {{"rotation", {0, 0, kHalf, kHalf}}},
+     R"({"rotation": [0, 0, 0.70710678118654752, 0.70710678118654752]})",
      {0, 1, 0, 0, -1, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1},
      1e-15},
     {"a_quarter_turn_about_x",
-     {{"rotation", {kHalf, 0, 0, kHalf}}},
+     R"({"rotation": [0.70710678118654752, 0, 0, 0.70710678118654752]})",
      {1, 0, 0, 0, 0, 0, 1, 0, 0, -1, 0, 0, 0, 0, 0, 1},
      1e-15},
     {"a_rotation_that_is_too_long",
-     {{"rotation", {0, 0, 3, 3}}},
+     R"({"rotation": [0, 0, 3, 3]})",
      {0, 1, 0, 0, -1, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1},
      1e-15},
     {"a_rotation_of_nothing",
-     {{"rotation", {0, 0, 0, 0}}},
+     R"({"rotation": [0, 0, 0, 0]})",
      {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1},
      0},
     {"scale_first_then_turn_then_move",
-     {{"translation", {10, 20, 30}}, {"rotation", {0, 0, kHalf, kHalf}}, {"scale", {2, 3, 4}}},
+     R"({"translation": [10, 20, 30], "rotation": [0, 0, 0.70710678118654752, 0.70710678118654752],
+         "scale": [2, 3, 4]})",
      {0, 2, 0, 0, -3, 0, 0, 0, 0, 0, 4, 0, 10, 20, 30, 1},
      1e-14},
     {"a_matrix_column_by_column",
-     {{"matrix", {1, 2, 3, 0, 4, 5, 6, 0, 7, 8, 9, 0, 10, 11, 12, 1}}},
+     R"({"matrix": [1, 2, 3, 0, 4, 5, 6, 0, 7, 8, 9, 0, 10, 11, 12, 1]})",
      {1, 2, 3, 0, 4, 5, 6, 0, 7, 8, 9, 0, 10, 11, 12, 1},
      0},
     {"a_matrix_before_the_parts",
-     {{"matrix", {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 5, 6, 7, 1}}, {"translation", {1, 1, 1}}},
+     R"({"matrix": [1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 5, 6, 7, 1], "translation": [1, 1, 1]})",
      {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 5, 6, 7, 1},
      0},
     {"a_matrix_with_noise_in_its_last_row",
-     {{"matrix", {1, 0, 0, 1e-9, 0, 1, 0, 0, 0, 0, 1, 0, 5, 6, 7, 0.9999999}}},
+     R"({"matrix": [1, 0, 0, 1e-9, 0, 1, 0, 0, 0, 0, 1, 0, 5, 6, 7, 0.9999999]})",
      {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 5, 6, 7, 1},
      0},
 };
@@ -300,7 +301,7 @@ TEST_P(Placements, AreThoseOfTheNode)
 {
     GltfBuilder builder;
     const int mesh = builder.triangleMesh();
-    Json node = GetParam().node;
+    Json node = Json::parse(GetParam().node);
     node["mesh"] = mesh;
     builder.addNode(node);
     builder.addNode({{"mesh", mesh}});

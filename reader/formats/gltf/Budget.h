@@ -23,7 +23,8 @@ public:
     static constexpr std::uint64_t kTreePathFloor = std::uint64_t(1) << 30;
 
     void addBytes(std::uint64_t bytes) { bytes_ += bytes; }
-    std::uint64_t limit() const { return std::max(kFloor, kTimes * bytes_); }
+    static std::uint64_t limitFor(std::uint64_t bytes) { return std::max(kFloor, kTimes * bytes); }
+    std::uint64_t limit() const { return limitFor(bytes_); }
     std::uint64_t pathLimit() const { return std::max(kFloor, kPathTimes * bytes_); }
     std::uint64_t treePathLimit() const { return std::max(kTreePathFloor, kPathTimes * bytes_); }
 

@@ -11,6 +11,7 @@
 #include <limits>
 #include <string>
 
+#include "reader/formats/gltf/Budget.h"
 #include "reader/formats/gltf/Refusal.h"
 
 namespace ovdl::gltf {
@@ -44,7 +45,12 @@ struct Place {
 
 class Reading {
 public:
-    Reading(Records& records, const char* textEnd) : records_(records), textEnd_(textEnd) {}
+    Reading(Records& records, std::string_view text)
+        : records_(records),
+          textEnd_(text.data() + text.size()),
+          recordLimit_(Budget::limitFor(text.size()))
+    {
+    }
 
     void readRoot(od::object root);
     const Place& place() const { return place_; }
@@ -101,6 +107,7 @@ private:
         eachElement(value, [&](od::value element) {
             if (list.size() == list.capacity())
                 makeRoom(list, begin, element.raw_json_token().data());
+            chargeRecord(sizeof(Record));
             (this->*read)(element, list.emplace_back());
             ++place_.index;
             place_.key = {};
@@ -109,6 +116,13 @@ private:
         place_.section = "";
     }
 
+    // A record is a hundred times as long as the "{}," that it may be made of.
+    void chargeRecord(std::size_t size)
+    {
+        recordBytes_ += size;
+        if (recordBytes_ > recordLimit_)
+            refuse(place_.text() + " is one record too many for a text of this size");
+    }
     // Room for as many records as the text still holds, going by the length of those that it held so
     // far, but for no more than sixteen times them: a list of many is then moved once or twice.
     template <class Record>
@@ -163,6 +177,8 @@ private:
 
     Records& records_;
     const char* textEnd_;
+    std::uint64_t recordLimit_;
+    std::uint64_t recordBytes_ = 0;
     Place place_;
     bool hasVersion_ = false;
 };
@@ -730,7 +746,7 @@ struct JsonDocument::Parser {
 JsonDocument::JsonDocument(Bytes json, Bytes file) : parser_(std::make_unique<Parser>())
 {
     const simdjson::padded_string_view text = parser_->padded(trimmed(json), file);
-    Reading reading(records_, text.data() + text.size());
+    Reading reading(records_, text);
     try {
         od::document document = parser_->parser.iterate(text);
         reading.readRoot(document.get_object());
