@@ -16,6 +16,8 @@ install(FILES ${PROJECT_BINARY_DIR}/raylume-dl-config.cmake
               ${PROJECT_BINARY_DIR}/raylume-dl-config-version.cmake
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/raylume-dl)
 
+# Relative to the file itself, so that it holds for whatever prefix the installation goes to.
+file(RELATIVE_PATH RAYLUME_PREFIX_FROM_PKGCONFIG "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
 configure_file(cmake/raylume-dl.pc.in raylume-dl.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/raylume-dl.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 install(FILES LICENSE README.md DESTINATION ${CMAKE_INSTALL_DOCDIR})

@@ -13,6 +13,10 @@ target_compile_features(raylume_flags INTERFACE cxx_std_20)
 target_include_directories(raylume_flags INTERFACE ${PROJECT_SOURCE_DIR})
 # Contraction to fused multiply-add would change results from one machine to the next.
 target_compile_options(raylume_flags INTERFACE -ffp-contract=off -Wall -Wextra -Wpedantic -Wshadow)
+if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+    # That compiler's optimiser warns of overlapping copies inside its own string class.
+    target_compile_options(raylume_flags INTERFACE -Wno-restrict)
+endif()
 if(RAYLUME_WERROR)
     target_compile_options(raylume_flags INTERFACE -Werror)
 endif()
@@ -21,6 +25,9 @@ if(RAYLUME_SANITIZE)
                                                    -fno-sanitize-recover=all)
     target_link_options(raylume_flags INTERFACE -fsanitize=${RAYLUME_SANITIZE})
 endif()
+if(RAYLUME_BUILD_FUZZERS)
+    target_compile_options(raylume_flags INTERFACE -fsanitize=fuzzer-no-link)
+endif()
 if(RAYLUME_COVERAGE)
     target_compile_options(raylume_flags INTERFACE --coverage)
     target_link_options(raylume_flags INTERFACE --coverage)
@@ -28,6 +35,14 @@ endif()
 
 set_property(GLOBAL PROPERTY RAYLUME_ROOMS "")
 set_property(GLOBAL PROPERTY RAYLUME_LAYERS "")
+
+# A shared library has to name all that it uses. Not under sanitizers: their runtime comes with the
+# program.
+function(raylume_forbid_undefined target)
+    if(NOT RAYLUME_SANITIZE)
+        target_link_options(${target} PRIVATE -Wl,--no-undefined)
+    endif()
+endfunction()
 
 function(raylume_install_header header)
     get_filename_component(absolute ${header} ABSOLUTE)

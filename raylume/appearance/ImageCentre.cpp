@@ -12,9 +12,8 @@ struct PlanePoint {
     float y;
 };
 
-// The two quotients are formed differently, which shows at the ends of the range; consumers compare
-// with values made this way. They are not the texture's scaleU and scaleV either, which were divided in
-// double.
+// Formed differently on purpose: 1 / size overflows before its half does. Neither is the texture's
+// scale, which is divided in double.
 PlanePoint halfExtent(uoMaterialTextureProperties& image)
 {
     const float sizeU = static_cast<float>(image.getTextureScale(0));

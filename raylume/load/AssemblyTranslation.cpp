@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <map>
 #include <memory>
 #include <string>
@@ -18,6 +19,7 @@
 namespace {
 
 constexpr std::wstring_view kTopComponent = L"Render";
+constexpr std::int32_t kPlacementTag = 1;
 constexpr wchar_t kTopMark[] = L"##TOP##";
 
 // Tessellation and configuration -> the model's part, for one load. Remembers only parts that were
@@ -32,11 +34,10 @@ public:
         Slot& slot = slots_[slotOf(tessData, configuration)];
         if (slot.part && slot.tessData == tessData && slot.configuration == configuration)
             return slot.part;
-        if (dlPart* part = model_.getDLPart(tessData, configuration))
+        dlPart* part = model_.getDLPart(tessData, configuration);
+        if (part)
             slot = {tessData, configuration, part};
-        else
-            return nullptr;
-        return slot.part;
+        return part;
     }
 
 private:
@@ -72,15 +73,23 @@ public:
     // The last component of a name wins. The name is the document's own, without the top mark.
     void record(const uoTempAssemblySHDData_c& component)
     {
-        dlComponentXform placement;
-        component.xform.getGLData(placement.m);
-        hint_ = placements_.insert_or_assign(hint_, component.name, placement);
-        ++hint_;
+        const auto place = placements_.try_emplace(hint_, component.name);
+        place->second.tag = kPlacementTag;
+        component.xform.getGLData(place->second.m);
+        hint_ = behind(place);
     }
 
 private:
-    std::map<std::wstring, dlComponentXform>& placements_;
-    std::map<std::wstring, dlComponentXform>::iterator hint_;
+    using Placements = std::map<std::wstring, dlComponentXform>;
+
+    // Stepping on from the last element walks up the whole tree, and most names are the last.
+    Placements::iterator behind(Placements::iterator place)
+    {
+        return place == std::prev(placements_.end()) ? placements_.end() : std::next(place);
+    }
+
+    Placements& placements_;
+    Placements::iterator hint_;
 };
 
 // One translation: what its steps share.
@@ -95,8 +104,6 @@ struct Translation {
     PartFinder parts;
     PlacementRecorder placements;
 };
-
-// ---------------------------------------------------------------------------------------- pass one
 
 // A part that has appearances, but none for the configuration in use, is not shown at all.
 bool isAccepted(const uoTempAssemblySHDData_c& component)
@@ -145,8 +152,6 @@ std::int32_t makeParts(Translation& translation, const uoTempAssemblySHDDataArra
     return accepted;
 }
 
-// ------------------------------------------------------------------------------- between the passes
-
 bool hasExtras(const OVDLAssemblyDocument& document)
 {
     const OVDLExtrasRecord* record = document.extrasBlock ? document.extrasBlock->record : nullptr;
@@ -158,8 +163,6 @@ void allocateInstances(dlModel& model, std::int32_t count)
     model.instances = new dlInstance[static_cast<std::size_t>(count)];
     model.instanceCount = count;
 }
-
-// ---------------------------------------------------------------------------------------- pass two
 
 // The part of a component that gets an instance, otherwise null. Asked anew: what the reader says now
 // counts, whatever it said in the first pass.

@@ -39,8 +39,8 @@ std::string readFirstLine(platform::InputFile& file)
     return line;
 }
 
-// All that stands behind the first TAB, later TABs and blanks included. Taken from the wide text,
-// since some code pages may have the TAB's value inside a character.
+// All that stands behind the first TAB, later TABs and blanks included. Searched in the wide text, as
+// the line is read: a damaged lead byte may take the TAB with it.
 std::wstring nameBehindTab(const std::string& line)
 {
     const std::wstring text = platform::widen(line);

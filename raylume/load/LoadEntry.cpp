@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <new>
 #include <string>
 #include <string_view>
 
@@ -10,14 +11,13 @@
 #include "raylume/load/PartTranslation.h"
 #include "raylume/load/StorageRegistry.h"
 #include "raylume/platform/Environment.h"
+#include "raylume/platform/Errors.h"
 #include "raylume/platform/Messages.h"
 #include "raylume/platform/Text.h"
 #include "raylume/scene/dlModel.h"
 #include "raylume/services/Locations.h"
 
 bool g_terminateLoad = false;
-
-// ---------------------------------------------------------------------------- the reader's objects
 
 CDispListsDocRL::CDispListsDocRL() = default;
 
@@ -56,8 +56,6 @@ int RL_OVDL_CallBacks::CheckVersions(int first, int second)
     return 1;
 }
 
-// -------------------------------------------------------------------------------------- one session
-
 namespace {
 
 using EmbeddedItems = CList<CRectItem*, CRectItem*>;
@@ -83,11 +81,21 @@ bool canBeOpened(const std::wstring& path)
     return storage && storage->isOpen() != 0;
 }
 
+// The one copy whose failure is told by a result code; any other allocation fails as std::bad_alloc.
+std::wstring accessText()
+{
+    try {
+        return kReaderAccess;
+    } catch (const std::bad_alloc&) {
+        throw platform::ComError(platform::kErrorOutOfMemory);
+    }
+}
+
 // The reader's result is not looked at: the documents that it leaves decide.
 void readDocument(Session& session)
 {
     unsigned long version = 0;
-    session.document.ReadFile(kReaderAccess, session.path, version, true);
+    session.document.ReadFile(accessText(), session.path, version, true);
     session.version = static_cast<std::uint32_t>(version);
 }
 
@@ -158,8 +166,10 @@ std::unique_ptr<dlModel> runSession(const std::wstring& path)
 {
     Session session(path);
     session.document.oleContainer = restoreOleItems(path, session.items);
-    if (!canBeOpened(path))
+    if (!canBeOpened(path)) {
+        session.items.RemoveAll();
         return nullptr;
+    }
     return readAndTranslate(session);
 }
 

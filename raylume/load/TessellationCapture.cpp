@@ -18,8 +18,6 @@ namespace {
 // A material of this name is no appearance of its own unless a render appearance comes with it.
 constexpr wchar_t kThreadMaterial[] = L"thread";
 
-// ------------------------------------------------------------------------------------------ shapes
-
 // How large a face is, worked out before anything is allocated for it.
 struct FaceShape {
     std::int32_t strips = 0;
@@ -55,20 +53,18 @@ FaceShape measureStrips(const uoTempFaceTessData_c& tessData, std::int32_t strip
     return {strips, static_cast<std::int32_t>(vertices), static_cast<std::int32_t>(triangles)};
 }
 
-// A face whose arrays do not hold what its strips claim stays without strips.
-FaceShape measureFace(const uoTempFaceTessData_c& tessData)
+// A face whose arrays do not hold what its strips claim stays without strips. The lengths are tested
+// again, since the reader was asked for materials since they were counted.
+FaceShape measureFace(const uoTempFaceTessData_c& tessData, std::int32_t strips)
 {
-    const std::int32_t strips = std::max<std::int32_t>(tessData.stripCount, 0);
     return holds(tessData.stripLengths, strips) ? measureStrips(tessData, strips) : FaceShape{};
 }
-
-// ----------------------------------------------------------------------------------------- filling
 
 // Zero-size arrays are allocated too: consumers test counts, not pointers.
 float* newFloats(std::size_t count)
 {
     float* floats = new float[count];
-    platform::adviseHugePages(floats, count * sizeof(float));
+    platform::prepareForFilling(floats, count * sizeof(float));
     return floats;
 }
 
@@ -79,12 +75,17 @@ void copyValues(T* target, const T* source, std::size_t count)
         std::memcpy(target, source, count * sizeof(T));
 }
 
+void allocateStrips(dlFace& face, const uoTempFaceTessData_c& tessData)
+{
+    const std::int32_t strips = std::max<std::int32_t>(tessData.stripCount, 0);
+    face.stripCount = holds(tessData.stripLengths, strips) ? strips : 0;
+    face.stripLengths = new std::int32_t[static_cast<std::size_t>(face.stripCount)];
+}
+
 void copyStrips(dlFace& face, const uoTempFaceTessData_c& tessData)
 {
-    const FaceShape shape = measureFace(tessData);
-    const auto strips = static_cast<std::size_t>(shape.strips);
-    face.stripLengths = new std::int32_t[strips];
-    copyValues(face.stripLengths, tessData.stripLengths.data, strips);
+    const FaceShape shape = measureFace(tessData, face.stripCount);
+    copyValues(face.stripLengths, tessData.stripLengths.data, static_cast<std::size_t>(shape.strips));
     face.stripCount = shape.strips;
     face.vertexCount = shape.vertices;
     face.triangleCount = shape.triangles;
@@ -146,8 +147,6 @@ void fillUVs(dlFace& face, const uoTempFaceTessData_c& tessData)
         copyValues(face.uvs, tessData.uvs.data, 2 * static_cast<std::size_t>(face.vertexCount));
 }
 
-// --------------------------------------------------------------------------------------- materials
-
 void fillNewMaterial(dlMaterial*& owner, moVisualProperties_c& visual)
 {
     owner = new dlMaterial;  // Owned before it is filled, so that a failure below leaks nothing.
@@ -188,8 +187,6 @@ void fillFaceMaterial(dlFace& face, uoTempFaceTessData_c& tessData, int configur
     fillNewMaterial(face.material, *visual);
 }
 
-// ------------------------------------------------------------------------------- bodies and faces
-
 // The record is asked for once for each element, null ones too.
 bool countsAsShown(uoTempBodyTessData_c& tessData, long long index, int configuration)
 {
@@ -223,7 +220,9 @@ void captureFaces(uoTempBodyTessData_c& tessData, dlBody& body, dlPart& part, in
 struct BodyCounts {
     explicit BodyCounts(const uoTempPartTessData_c& tessData)
         : told(std::max(tessData.getNumBodies(), 0)),
-          held(static_cast<std::int32_t>(std::clamp<long long>(tessData.bodies.count, 0, told)))
+          held(tessData.bodies.data
+                   ? static_cast<std::int32_t>(std::clamp<long long>(tessData.bodies.count, 0, told))
+                   : 0)
     {
     }
 
@@ -271,6 +270,7 @@ void captureBody(uoTempBodyTessData_c& tessData, dlBody& body, dlPart& part, int
 void captureFace(uoTempFaceTessData_c& tessData, dlFace& face, dlBody& body, dlPart& part,
                  int configuration)
 {
+    allocateStrips(face, tessData);
     fillFaceMaterial(face, tessData, configuration);
     copyStrips(face, tessData);
     allocateArrays(face, tessData.hasUVs != 0);

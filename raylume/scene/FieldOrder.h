@@ -8,8 +8,8 @@
 
 namespace scene {
 
-// A double on purpose: the float of this value is above the double, so that a float constant would
-// let 1e-5f count as different from 0.
+// A double on purpose: the float of this value lies just below it, so that a float constant would
+// count 1e-5f as different from 0.
 constexpr double kAppearanceTolerance = 1e-05;
 
 // False with a NaN, and for two equal infinities, whose difference is one.

@@ -156,6 +156,7 @@ static_assert(ascending({RAYLUME_AT(mappingType), RAYLUME_AT(uDirection), RAYLUM
                          RAYLUME_AT(transU), RAYLUME_AT(transV), RAYLUME_AT(mappingScalar),
                          RAYLUME_AT(center), RAYLUME_AT(filename)}),
               "the fields of dlTexture left their order");
+static_assert(RAYLUME_AT(mappingType) == 0, "something stands before the first field of dlTexture");
 }  // namespace texture
 
 namespace decal {

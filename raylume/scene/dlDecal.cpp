@@ -5,8 +5,10 @@
 #include <utility>
 
 #include "raylume/scene/FieldOrder.h"
+#include "raylume/scene/MaterialOrder.h"
 
 using scene::FieldOrder;
+using scene::orderSurface;
 using scene::sameWithinTolerance;
 
 namespace {
@@ -34,20 +36,6 @@ bool sameIdentity(const dlDecal& a, const dlDecal& b)
 {
     return a.uoDecalId == b.uoDecalId && a.instanceDecal == b.instanceDecal &&
            a.useUnderlyingAppearance == b.useUnderlyingAppearance && a.pickDecalTag == b.pickDecalTag;
-}
-
-void orderSurface(FieldOrder& order, const dlDecal& a, const dlDecal& b)
-{
-    order.value(a.shaderName, b.shaderName)
-        .reals(a.color, b.color)
-        .real(a.ambient, b.ambient)
-        .real(a.diffuse, b.diffuse)
-        .real(a.specular, b.specular)
-        .real(a.shininess, b.shininess)
-        .real(a.transparency, b.transparency)
-        .texture(a.texture, b.texture)
-        .real(a.emission, b.emission)
-        .value(a.colorRef, b.colorRef);
 }
 
 // By the pointers themselves, unlike the order of plain materials, which looks into the decals.

@@ -24,7 +24,8 @@ public:
     dlDecal& operator=(const dlDecal& other);
 
     bool isDecal() const override;
-    /// Never before a plain material; decals among themselves by all their fields but faceId.
+    /// Never before a plain material; among decals, those with the greater instanceDecal first.
+    /// faceId, rvFlagD, lfpAppearance, reservedFlag and visualFlag play no part.
     bool operator<(const dlMaterial& other) const override;
     virtual ~dlDecal();
     /// The material fields by dlMaterial's rule, then the decal's own, all but faceId.

@@ -3,10 +3,12 @@
 #include <algorithm>
 
 #include "raylume/scene/FieldOrder.h"
+#include "raylume/scene/MaterialOrder.h"
 #include "raylume/scene/Ownership.h"
 #include "raylume/scene/dlDecal.h"
 
 using scene::FieldOrder;
+using scene::orderSurface;
 using scene::sameWithinTolerance;
 
 namespace {
@@ -127,20 +129,6 @@ void orderDecals(FieldOrder& order, const dlMaterial& a, const dlMaterial& b)
                    const auto pair = firstDifferentPair(a.decals, b.decals);
                    return decalBefore(*pair.second, *pair.first);
                });
-}
-
-void orderSurface(FieldOrder& order, const dlMaterial& a, const dlMaterial& b)
-{
-    order.value(a.shaderName, b.shaderName)
-        .reals(a.color, b.color)
-        .real(a.ambient, b.ambient)
-        .real(a.diffuse, b.diffuse)
-        .real(a.specular, b.specular)
-        .real(a.shininess, b.shininess)
-        .real(a.transparency, b.transparency)
-        .texture(a.texture, b.texture)
-        .real(a.emission, b.emission)
-        .value(a.colorRef, b.colorRef);
 }
 
 void orderRenderAppearance(FieldOrder& order, const dlMaterial& a, const dlMaterial& b)

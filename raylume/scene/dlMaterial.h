@@ -28,8 +28,10 @@ public:
     ~dlMaterial();
 
     virtual bool isDecal() const;
-    /// A strict order that puts every plain material before every decal. Looks at the texture and
-    /// the shader name, which operator== does not.
+    /// Puts every plain material before every decal, then goes by the first field that differs. Not
+    /// a strict weak order where floats lie within the tolerance of each other (see dlTexture) or are
+    /// not finite. Looks at texture and shaderName, which operator== does not; does not look at
+    /// lfpFilename, which operator== does.
     virtual bool operator<(const dlMaterial& other) const;
     /// Same appearance within the tolerance; the texture and seven of the names play no part.
     bool operator==(const dlMaterial& other) const;

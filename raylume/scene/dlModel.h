@@ -50,8 +50,9 @@ public:
     ///
     /// Three outcomes: a model; an empty model with loadRejected set, when the document was opened
     /// and gave nothing; null, when it could not be opened or the load was abandoned.
-    /// Errors: platform::ComError (invalid argument) when the reader's arrays contradict themselves,
-    ///   std::bad_alloc when memory runs out; both with everything unwound.
+    /// Errors: platform::ComError with kErrorInvalidArgument when the reader's arrays contradict
+    ///   themselves; std::bad_alloc when memory runs out, or ComError with kErrorOutOfMemory when it does
+    ///   so just before the read. All with everything unwound.
     static dlModel* ReadModel(const char* path);
 
     /// Stores a part under a geometry key and a configuration. A part already there is replaced and
@@ -96,6 +97,7 @@ public:
     std::uint32_t documentVersion = 0xFFFFFFFFu;
     dlScene scene;
     bool hasDocumentExtras = false;
+    /// Samples by component name, and under "@CAMERA", "@VIEWPORT" and "@LIGHTS".
     std::map<std::wstring, dlAnimTrackSet> animationTracks;
     /// The placement of every component by its name, of those without an instance too.
     std::map<std::wstring, dlComponentXform> componentXforms;

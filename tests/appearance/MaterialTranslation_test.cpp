@@ -767,6 +767,21 @@ TEST_F(Material, without_an_image_an_older_mapping_is_switched_off_too)
     EXPECT_EQ(apply().texture.mappingType, 1u);
 }
 
+// The mapping that decides is the material's, which a render appearance need not have set.
+TEST_F(Material, without_a_render_appearance_an_older_mapping_is_placed)
+{
+    source_.withImage();
+    source_.image.scale[0] = 2;
+    source_.image.filename = L"oak.png";
+    material_.texture.mappingType = 4;
+    material_.surfaceFinish = 3;
+    apply();
+    EXPECT_EQ(material_.texture.mappingType, 4u);
+    EXPECT_EQ(material_.texture.scaleU, 0.5f);
+    EXPECT_EQ(material_.texture.filename, L"oak.png");
+    EXPECT_EQ(material_.bumpFilename, "");
+}
+
 TEST_F(Placement, the_bump_image_follows_the_finish)
 {
     source_.appearance.surfaceFinish = 3;

@@ -3,13 +3,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <limits>
 #include <string>
 
 #include "raylume/load/ReaderInterface.h"
 #include "raylume/services/Locations.h"
+#include "tests/platform/ScopedEnvironment.h"
 #include "tests/recording_reader/RecordingReader.h"
 
 namespace {
@@ -230,17 +230,13 @@ TEST_F(SurfaceFinishFolder, a_data_folder_of_any_length_and_script_is_kept)
 // A host whose data folder cannot be found.
 class SurfaceFinishWithoutFolder : public testing::Test {
 protected:
-    void SetUp() override
-    {
-        const auto host = std::filesystem::temp_directory_path() / "no_such_folder" / "a" / "b" / "host";
-        setenv("RAYLUME_HOST", host.string().c_str(), 1);
-        g_dataDir.clear();
-    }
-    void TearDown() override
-    {
-        unsetenv("RAYLUME_HOST");
-        g_dataDir.clear();
-    }
+    void SetUp() override { g_dataDir.clear(); }
+    void TearDown() override { g_dataDir.clear(); }
+
+private:
+    const ScopedVariable host_{
+        "RAYLUME_HOST",
+        (std::filesystem::temp_directory_path() / "no_such_folder" / "a" / "b" / "host").string()};
 };
 
 TEST_F(SurfaceFinishWithoutFolder, the_path_comes_back_all_the_same)
@@ -257,12 +253,10 @@ protected:
     void SetUp() override
     {
         std::filesystem::create_directories(root_ / "Data");
-        setenv("RAYLUME_HOST", (root_ / "bin" / "host").string().c_str(), 1);
         g_dataDir.clear();
     }
     void TearDown() override
     {
-        unsetenv("RAYLUME_HOST");
         g_dataDir.clear();
         std::filesystem::remove_all(root_);
     }
@@ -270,6 +264,9 @@ protected:
     const std::filesystem::path root_ =
         std::filesystem::path(testing::TempDir()) /
         ("surface_finish_" + std::string(testing::UnitTest::GetInstance()->current_test_info()->name()));
+
+private:
+    const ScopedVariable host_{"RAYLUME_HOST", (root_ / "bin" / "host").string()};
 };
 
 TEST_F(SurfaceFinishWithRealFolder, images_lie_below_it_and_need_not_exist)

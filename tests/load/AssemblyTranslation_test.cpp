@@ -49,8 +49,6 @@ protected:
     dlModel model;
 };
 
-// -------------------------------------------------------------------------------------- pass one
-
 TEST_F(AssemblyTranslation, GivesAnEmptyAssemblyAnEmptyArrayAndItsView)
 {
     Components none;
@@ -312,8 +310,6 @@ TEST_F(AssemblyTranslation, RaisesInvalidArgumentWhenTheArrayShrinksUnderTheWalk
     EXPECT_EQ(codeRaisedBy(components), platform::kErrorInvalidArgument);
 }
 
-// ----------------------------------------------------------------------------------- cancellation
-
 class CancelledAssembly : public AssemblyTranslation {
 protected:
     CancelledAssembly()
@@ -398,8 +394,6 @@ TEST_F(CancelledAssembly, RunsPassTwoToItsEndOnceBegun)
     EXPECT_EQ(model.viewScale, 9.0);
 }
 
-// ---------------------------------------------------------------------------------------- extras
-
 struct ExtrasCase {
     const char* name;
     bool block;
@@ -432,8 +426,6 @@ const ExtrasCase kExtras[] = {
 };
 INSTANTIATE_TEST_SUITE_P(Rows, Extras, testing::ValuesIn(kExtras),
                          [](const auto& row) { return row.param.name; });
-
-// -------------------------------------------------------------------------------------- pass two
 
 TEST_F(AssemblyTranslation, FillsEachInstanceInItsOrder)
 {
@@ -730,8 +722,6 @@ TEST_F(AssemblyTranslation, CallsTheLightsAfterTheInstancesAndLeavesTheSceneAlon
     EXPECT_EQ(model.viewScale, 4.0);
     EXPECT_EQ(recorder().countBeginning("translateScene"), 0u);
 }
-
-// ----------------------------------------------------------------- a reader that changes its mind
 
 // The change happens at the end of pass one: when the decals of the last new part are hung.
 class ChangedAssembly : public AssemblyTranslation {

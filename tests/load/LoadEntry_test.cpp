@@ -46,8 +46,6 @@ protected:
     OVDLAssemblyDocument assemblyDocument;
 };
 
-// ------------------------------------------------------------------------------ order of events
-
 TEST_F(LoadEntry, RunsThePartRoadInItsOrder)
 {
     givePart();
@@ -153,8 +151,6 @@ TEST_F(LoadEntry, LooksForTheConfigurationFileInAssembliesAlone)
     load();
     EXPECT_EQ(recorder().countBeginning("getTemporaryFilePath"), 0u);
 }
-
-// ----------------------------------------------------------------------------------- the outcomes
 
 TEST_F(LoadEntry, GivesNullForANullPath)
 {
@@ -301,8 +297,6 @@ TEST_F(LoadEntry, StartsTheVersionAtZero)
     EXPECT_FALSE(model->versionGatePassed);
 }
 
-// ------------------------------------------------------------------------------------ cancellation
-
 TEST_F(LoadEntry, CancelledDuringTheReadMakesNoModel)
 {
     givePart();
@@ -387,8 +381,6 @@ TEST_F(LoadEntry, NeverWritesTheCancelFlag)
     EXPECT_TRUE(g_terminateLoad);
 }
 
-// ------------------------------------------------------------------------- failures that go through
-
 struct FailureCase {
     const char* name;
     const char* at;
@@ -431,6 +423,8 @@ const FailureCase kFailures[] = {
     {"of_the_lights", "translateLights"},
     {"of_the_embedded_items", "restoreOleItems", false},
     {"of_the_storage", "createStorage"},
+    {"of_the_question_whether_it_is_open", "isOpen"},
+    {"of_the_acceptance_test", "getModelVizProp"},
 };
 INSTANTIATE_TEST_SUITE_P(Rows, Failure, testing::ValuesIn(kFailures),
                          [](const auto& row) { return row.param.name; });
@@ -477,6 +471,8 @@ protected:
         try {
             model = load();
         } catch (const std::bad_alloc&) {
+        } catch (const platform::ComError& error) {
+            EXPECT_EQ(error.code(), platform::kErrorOutOfMemory);
         }
         const bool failed = allocations::hasFailed();
         allocations::failAfter(-1);
@@ -487,6 +483,63 @@ protected:
 
     std::function<void()> giveDocument;
 };
+
+// The one copy whose failure has a code of its own: that of the access text, the first allocation
+// after the callback was registered.
+TEST_F(LoadEntry, TellsAFailingCopyOfTheAccessTextByItsCode)
+{
+    givePart();
+    registerStorage();
+    recorder().onCall("SetOVDL_Callbacks(object)", [] { allocations::failAfter(0); });
+    const int before = allocations::liveModels();
+    std::uint32_t code = 0;
+    try {
+        load();
+    } catch (const platform::ComError& error) {
+        code = error.code();
+    }
+    allocations::failAfter(-1);
+    EXPECT_EQ(code, 0x8007000Eu);
+    EXPECT_EQ(recorder().countBeginning("ReadFile"), 0u);
+    EXPECT_EQ(allocations::liveModels(), before);
+    EXPECT_EQ(recorder().registered, nullptr);
+    EXPECT_EQ(recorder().count("~container"), 1u);
+    EXPECT_EQ(recorder().count("~CDispListsDoc"), 1u);
+    EXPECT_TRUE(isStorageRegistered());
+}
+
+TEST_F(LoadEntry, RaisesInvalidArgumentForAnArrayThatShrinksMeanwhile)
+{
+    build::Components twice{&component, &component};
+    assemblyDocument.components = twice;
+    answers().assemblyDocument = &assemblyDocument;
+    registerStorage();
+    recorder().onCall("getNumBodies", [this] { assemblyDocument.components.count = 1; });
+    const int before = allocations::liveModels();
+    EXPECT_THROW(load(), platform::ComError);
+    EXPECT_EQ(allocations::liveModels(), before);
+    EXPECT_EQ(recorder().registered, nullptr);
+    EXPECT_TRUE(isStorageRegistered());
+}
+
+TEST_F(LoadEntry, RaisesInvalidArgumentForAnArrayWithoutData)
+{
+    assemblyDocument.components.count = 2;
+    answers().assemblyDocument = &assemblyDocument;
+    EXPECT_THROW(load(), platform::ComError);
+}
+
+TEST_F(LoadEntry, EmptiesTheEmbeddedItemsAfterTheRead)
+{
+    givePart();
+    long long duringRead = -1;
+    long long afterRead = -1;
+    recorder().onCall("ReadFile", [&] { duringRead = recorder().items->GetCount(); });
+    recorder().onCall("isRejected", [&] { afterRead = recorder().items->GetCount(); });
+    load();
+    EXPECT_EQ(duringRead, 1);
+    EXPECT_EQ(afterRead, 0);
+}
 
 TEST_F(FailingAllocation, OfAPartLoadLeavesNothingBehind)
 {
@@ -510,8 +563,6 @@ TEST_F(FailingAllocation, OfAnAssemblyLoadLeavesNothingBehind)
     EXPECT_GT(successes, 20);
     EXPECT_NE(load(), nullptr);
 }
-
-// ------------------------------------------------------------------------------------- the tail
 
 struct NameCase {
     const char* name;
@@ -586,8 +637,6 @@ TEST_F(LoadEntry, MakesAModelForPlainDelete)
     delete model;
     EXPECT_EQ(allocations::liveModels(), before);
 }
-
-// -------------------------------------------------------------------------------- version warning
 
 constexpr wchar_t kWarning[] =
     L"PRJ 16490 :- Version in loader dlls need to be in synch with that in Orvane. Document may not be "
@@ -669,8 +718,6 @@ TEST_F(LoadEntry, TheCallbackObjectUnregistersWhateverIsRegistered)
     }
     EXPECT_THAT(lines(), ElementsAre("SetOVDL_Callbacks(null)"));
 }
-
-// ------------------------------------------------------------------------------- document object
 
 TEST_F(LoadEntry, TheDocumentObjectStartsEmptyAndDeletesItsContainer)
 {

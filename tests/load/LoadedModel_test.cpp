@@ -189,8 +189,6 @@ TEST_F(LoadedModel, GroupsEqualOverridesOfDifferentObjects)
     EXPECT_THAT(groups.at(&model->instances[0]), ElementsAre(&model->instances[0], &model->instances[1]));
 }
 
-// -------------------------------------------------------- the configuration file, by environment
-
 struct FolderCase {
     const char* name;
     bool temp;

@@ -1,5 +1,7 @@
 #include "raylume/load/ReaderInterface.h"
 
+#include <cstddef>
+#include <cstring>
 #include <type_traits>
 #include <utility>
 
@@ -38,6 +40,7 @@ TEST_F(PointerArray, RaisesInvalidArgumentOutside)
     EXPECT_EQ(codeOf(array, -1), 0x80070057u);
     EXPECT_EQ(codeOf(array, 1ll << 40), 0x80070057u);
     EXPECT_EQ(codeOf({}, 0), 0x80070057u);
+    EXPECT_EQ(codeOf({nullptr, 2}, 0), 0x80070057u);
     EXPECT_EQ(codeOf(array, 1), 0u);
 }
 
@@ -87,6 +90,73 @@ static_assert(sizeof(VizPropMode_e) == 4 && sizeof(LIGHT_TYPE) == 4);
 static_assert(std::is_base_of_v<suFileStorage, suStructuredStorage>);
 static_assert(std::has_virtual_destructor_v<OVDLOleDocumentContainer> &&
               std::has_virtual_destructor_v<suFileStorage>);
+// What hosts, tests and other readers spell out.
+template <auto operation, class Type>
+constexpr bool isA = std::is_same_v<decltype(operation), Type>;
+
+using Result = OVXDLReader_FileLoadResult;
+static_assert(
+    isA<&CDispListsDoc::ReadFile,
+        Result (CDispListsDoc::*)(const std::wstring&, const std::wstring&, unsigned long&, bool)>);
+static_assert(isA<&CDispListsDoc::iRestoreVersionHistory, bool (CDispListsDoc::*)(suFileStorage&)>);
+static_assert(isA<&CDispListsDoc::iRestoreConfigManager, bool (CDispListsDoc::*)(suFileStorage&)>);
+static_assert(
+    isA<&suFileStorage::createStorage, suFileStorage* (*)(const std::wstring&, int, CDocument*, IStorage*,
+                                                          int, int, ZipStorage*, suStorageType_e*)>);
+static_assert(std::is_constructible_v<suStructuredStorage, const std::wstring&, int, CDocument*, IStorage*,
+                                      int, int>);
+static_assert(isA<&suFileStorage::isOpen, int (suFileStorage::*)() const>);
+static_assert(
+    isA<&suFileStorage::openSubStorage, bool (suFileStorage::*)(const std::wstring&, int, int, int)>);
+static_assert(isA<&suFileStorage::subStorageInterface, IStorage* (suFileStorage::*)()>);
+static_assert(isA<&suFileStorage::secondInterface, IUnknown* (suFileStorage::*)()>);
+static_assert(isA<&suFileStorage::endOpen, void (suFileStorage::*)()>);
+static_assert(isA<&suFileStorage::loadVersion, unsigned long (suFileStorage::*)() const>);
+static_assert(isA<&suFileStorage::loadDLVersion, unsigned long (suFileStorage::*)() const>);
+static_assert(isA<&suFileStorage::getUncompressedStreamSize, unsigned long (suFileStorage::*)() const>);
+static_assert(isA<&restoreOleItems,
+                  OVDLOleDocumentContainer* (*)(const std::wstring&, CList<CRectItem*, CRectItem*>&)>);
+static_assert(isA<&SetOVDL_Callbacks, void (*)(OVDL_Callbacks*)>);
+static_assert(isA<&OVDL_Callbacks::CheckVersions, int (OVDL_Callbacks::*)(int, int)>);
+static_assert(isA<&OVDL_Callbacks::LoadExtraDataFromStorage, void (OVDL_Callbacks::*)(suFileStorage&)>);
+static_assert(isA<&OVDL_Callbacks::UpdateProgress, void (OVDL_Callbacks::*)(float, int, int)>);
+static_assert(isA<&OVDL_Callbacks::ShouldReadBeCancelled, int (OVDL_Callbacks::*)()>);
+static_assert(isA<&OVDL_Callbacks::SetPercentCompleted, void (OVDL_Callbacks::*)(float)>);
+static_assert(isA<&uoMaterialTextureProperties::getTextureRanges,
+                  bool (uoMaterialTextureProperties::*)(int, double&, double&)>);
+static_assert(isA<&uoMaterialTextureProperties::getTextureDir,
+                  bool (uoMaterialTextureProperties::*)(int, double&, double&, double&)>);
+static_assert(
+    isA<&uoTempAssemblySHDData_c::decals, std::list<uoDecalProperties*> uoTempAssemblySHDData_c::*>);
+static_assert(isA<&uoTempPartTessData_c::decalsByConfig,
+                  std::map<int, std::list<uoDecalProperties*>> uoTempPartTessData_c::*>);
+static_assert(isA<&uoDecalProperties::faceMappings, std::list<uoDecalFaceMapping> uoDecalProperties::*>);
+static_assert(isA<static_cast<void (mgXform_c::*)(double* const) const>(&mgXform_c::getGLData),
+                  void (mgXform_c::*)(double*) const>);
+static_assert(isA<static_cast<void (mgXform_c::*)(float* const) const>(&mgXform_c::getGLData),
+                  void (mgXform_c::*)(float*) const>);
+
+// The six virtual operations stand in this order: in this machine's convention a member pointer to a
+// virtual operation holds one more than its offset in the table.
+template <class Operation>
+std::ptrdiff_t slotOf(Operation operation)
+{
+    std::ptrdiff_t words[2];
+    static_assert(sizeof operation == sizeof words);
+    std::memcpy(words, &operation, sizeof words);
+    return (words[0] - 1) / static_cast<std::ptrdiff_t>(sizeof(void*));
+}
+
+TEST(ReaderCallbacks, HaveTheirOperationsInOrder)
+{
+    EXPECT_EQ(slotOf(&OVDL_Callbacks::CheckVersions), 0);
+    EXPECT_EQ(slotOf(&OVDL_Callbacks::GetJapaneseFontName), 1);
+    EXPECT_EQ(slotOf(&OVDL_Callbacks::LoadExtraDataFromStorage), 2);
+    EXPECT_EQ(slotOf(&OVDL_Callbacks::UpdateProgress), 3);
+    EXPECT_EQ(slotOf(&OVDL_Callbacks::ShouldReadBeCancelled), 4);
+    EXPECT_EQ(slotOf(&OVDL_Callbacks::SetPercentCompleted), 5);
+}
+
 // A document object may be derived from and live on the stack.
 static_assert(std::is_default_constructible_v<CDispListsDoc> && !std::is_final_v<CDispListsDoc>);
 

@@ -38,8 +38,6 @@ void record(const std::string& line)
 
 }  // namespace
 
-// ------------------------------------------------------------------------------------ appearance
-
 void attachPartDecals(uoTempPartTessData_c& tessData, dlPart* part, const std::wstring& documentPath,
                       int configurationIndex)
 {
@@ -66,8 +64,6 @@ void applyVisualProperties(dlMaterial& material, moVisualProperties_c& visual)
     material.reservedNameC = "from the document";
 }
 
-// ---------------------------------------------------------------------------------------- lights
-
 void translateLights(dlModel& model, ovPointerArray<moLight_c>* lights, ovScene_c* scene)
 {
     record("translateLights");
@@ -82,8 +78,6 @@ void translateScene(dlModel&, ovScene_c& sceneHolder, const std::wstring& docume
     record("translateScene(" + platform::toUtf8(documentPath) + ")");
     standins::get().scene = &sceneHolder;
 }
-
-// ------------------------------------------------------------------------- animation, hierarchy
 
 bool dlModel::readAnimationXML(const std::wstring& path)
 {
@@ -116,8 +110,6 @@ void dlModel::updateFirstModelName(std::string name)
 {
     record("updateFirstModelName(" + name + ")");
 }
-
-// -------------------------------------------------------------------------------------- services
 
 bool rlu_isMeridian5App()
 {

@@ -53,8 +53,6 @@ protected:
     dlFace face;
 };
 
-// ----------------------------------------------------------------------------------------- parts
-
 TEST_F(TessellationCapture, LeavesAPartWithoutBodiesAtItsDefaultsAndAsksNoMore)
 {
     build::Visual visual(L"active", 1, 0);
@@ -240,8 +238,6 @@ TEST_F(TessellationCapture, RaisesForABodyArrayThatShrinksMeanwhile)
     EXPECT_THROW(capture(parts), platform::ComError);
 }
 
-// ---------------------------------------------------------------------------------------- bodies
-
 struct ShownCase {
     const char* name;
     bool hasRecord;
@@ -333,6 +329,43 @@ TEST_F(TessellationCapture, TracesEveryBodyThatGetsAMaterial)
     EXPECT_NE(part.bodies[0].material, part.bodies[2].material);
 }
 
+TEST_F(TessellationCapture, TracesABodyAfterItsMaterialIsFilled)
+{
+    build::Visual visual(L"v", 1, 0);
+    Face source({3});
+    Body with({&source});
+    with.bodyVizProps[kConfiguration] = &visual;
+    capture(with);
+    std::vector<std::string> seen;
+    for (const std::string& line : lines())
+        if (line.rfind("applyVisual", 0) == 0 || line.rfind("log", 0) == 0)
+            seen.push_back(line.substr(0, line.find('(')));
+    EXPECT_THAT(seen, ElementsAre("applyVisualProperties", "log"));
+}
+
+TEST_F(TessellationCapture, CopiesTheNumberOfStripsBeforeItAsksForAMaterial)
+{
+    build::Visual visual(L"v", 1, 0);
+    Face source({3});
+    source.faceVizProps[kConfiguration] = &visual;
+    recorder().onCall("getFaceVizProp", [&] { source.stripCount = 0; });
+    capture(source);
+    EXPECT_EQ(face.stripCount, 1);
+    EXPECT_EQ(face.vertexCount, 3);
+}
+
+TEST_F(TessellationCapture, LeavesAFaceWithoutStripsWhenItsArraysGoWhileItIsAsked)
+{
+    build::Visual visual(L"v", 1, 0);
+    Face source({3});
+    source.faceVizProps[kConfiguration] = &visual;
+    recorder().onCall("getFaceVizProp", [&] { source.stripLengths.count = 0; });
+    capture(source);
+    EXPECT_EQ(face.stripCount, 0);
+    EXPECT_EQ(face.vertexCount, 0);
+    EXPECT_NE(face.stripLengths, nullptr);
+}
+
 TEST_F(TessellationCapture, NeverFillsMoreFacesThanWereCounted)
 {
     Face first({3});
@@ -387,8 +420,6 @@ TEST_F(TessellationCapture, TreatsANegativeFaceCountAsNone)
     EXPECT_EQ(body.faceCount, 0);
     EXPECT_EQ(body.faces, nullptr);
 }
-
-// ---------------------------------------------------------------------------------- face materials
 
 struct ThreadCase {
     const char* name;
@@ -463,8 +494,6 @@ TEST_F(TessellationCapture, DoesNotAskForTheModeOfAMaterialThatIsNotMade)
     EXPECT_EQ(face.vizPropMode, 0);
     EXPECT_THAT(lines(), ElementsAre("getFaceVizProp(3)", "getUserName()"));
 }
-
-// ------------------------------------------------------------------------------------ face geometry
 
 TEST_F(TessellationCapture, InterleavesPositionsAndNormals)
 {
@@ -646,8 +675,6 @@ TEST_F(TessellationCapture, AcceptsNullArraysForStripsWithoutVertices)
     EXPECT_EQ(face.triangleCount, -5);
     EXPECT_NE(face.vertices, nullptr);
 }
-
-// ------------------------------------------------------------------------------------------ boxes
 
 TEST_F(TessellationCapture, GrowsTheBoxesOfFaceBodyAndPart)
 {

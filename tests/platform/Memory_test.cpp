@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 #include <sys/mman.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <filesystem>
@@ -10,6 +12,7 @@
 #include <memory>
 #include <sstream>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -60,11 +63,35 @@ TEST(HugePages, AreAskedForInLargeBlocksOnly)
         GTEST_SKIP() << "this system has no huge pages";
     }
     const Mapping large(64 * kMegabyte);
-    platform::adviseHugePages(large.data() + 16, 64 * kMegabyte - 16);
+    platform::prepareForFilling(large.data() + 16, 64 * kMegabyte - 16);
     EXPECT_TRUE(isAdvised(large.data() + 32 * kMegabyte));
     const Mapping small(kMegabyte);
-    platform::adviseHugePages(small.data(), kMegabyte);
+    platform::prepareForFilling(small.data(), kMegabyte);
     EXPECT_FALSE(isAdvised(small.data()));
+}
+
+std::size_t residentPages(char* data, std::size_t size)
+{
+    const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    std::vector<unsigned char> resident(size / page);
+    EXPECT_EQ(mincore(data, size, resident.data()), 0);
+    return static_cast<std::size_t>(
+        std::count_if(resident.begin(), resident.end(), [](unsigned char flags) { return flags & 1; }));
+}
+
+TEST(PreparedBlocks, HaveAllTheirPagesUnlessTheyAreSmall)
+{
+    const Mapping probe(kMegabyte);
+    if (madvise(probe.data(), kMegabyte, 23) != 0) {
+        GTEST_SKIP() << "this system maps no pages ahead";
+    }
+    const Mapping block(kMegabyte);
+    platform::prepareForFilling(block.data(), kMegabyte);
+    EXPECT_EQ(residentPages(block.data(), kMegabyte),
+              kMegabyte / static_cast<std::size_t>(sysconf(_SC_PAGESIZE)));
+    const Mapping small(kMegabyte);
+    platform::prepareForFilling(small.data(), 64 << 10);
+    EXPECT_EQ(residentPages(small.data(), kMegabyte), 0u);
 }
 
 class HugePageSizes : public testing::TestWithParam<std::size_t> {};
@@ -75,7 +102,7 @@ TEST_P(HugePageSizes, LeaveTheBytesAlone)
     const std::unique_ptr<unsigned char[]> block(new unsigned char[size + 2]);
     block[0] = 7;
     block[size + 1] = 9;
-    platform::adviseHugePages(block.get() + 1, size);
+    platform::prepareForFilling(block.get() + 1, size);
     std::memset(block.get() + 1, 3, size);
     EXPECT_EQ(block[0], 7);
     EXPECT_EQ(block[size + 1], 9);
@@ -87,7 +114,7 @@ INSTANTIATE_TEST_SUITE_P(Rows, HugePageSizes,
 
 TEST(HugePages, OfNoBlockAreNotAskedFor)
 {
-    EXPECT_NO_FATAL_FAILURE(platform::adviseHugePages(nullptr, 64 * kMegabyte));
+    EXPECT_NO_FATAL_FAILURE(platform::prepareForFilling(nullptr, 64 * kMegabyte));
 }
 
 }  // namespace

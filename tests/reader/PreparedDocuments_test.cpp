@@ -44,8 +44,6 @@ struct Counts {
     }
 };
 
-// --------------------------------------------------------------------------------- ownership
-
 TEST(PreparedDocument, HasTheseDefaults)
 {
     const PreparedDocument document;
@@ -110,8 +108,6 @@ TEST(PreparedDocument, OutlivesItsPlaceInTheTable)
     EXPECT_EQ(counts.alive, 1);
     EXPECT_FALSE(document.partDocument->isRejected());
 }
-
-// --------------------------------------------------------------------------- probes and reads
 
 TEST(PreparedProbe, MakesTheDocumentThatTheReadThenGets)
 {
@@ -284,8 +280,6 @@ TEST(PreparedFactory, LivesUntilItIsForgotten)
     ovdl::forgetDocument(kPath);
     EXPECT_EQ(kept.use_count(), 1);
 }
-
-// ------------------------------------------------------------------------------------- paths
 
 TEST(PreparedPath, IsComparedExactly)
 {

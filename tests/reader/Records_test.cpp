@@ -36,8 +36,6 @@ static_assert(std::is_same_v<decltype(&CDispListsDoc::getTempDispListDataSHDArra
 static_assert(std::is_same_v<decltype(&uoDecalProperties::getColorMask),
                              std::list<unsigned long> (uoDecalProperties::*)()>);
 
-// ------------------------------------------------------------------------------------- arrays
-
 TEST(PointerArray, RaisesInvalidArgumentOutsideAndMayHoldNullInside)
 {
     fixtures::RecordingCallbacks unused;
@@ -62,8 +60,6 @@ TEST(PointerArray, IsEmptyAtFirst)
     EXPECT_EQ(array.count, 0);
     EXPECT_THROW(array.at(0), platform::ComError);
 }
-
-// --------------------------------------------------------------------------------- appearance
 
 TEST(TextureProperties, HaveAScaleForTwoDirections)
 {
@@ -167,8 +163,6 @@ TEST(Decals, GiveTheirColoursInOrderWithEqualOnesTwice)
     EXPECT_THAT(decal.getColorMask(), ElementsAre(0xFFFFFFFFul, 3ul, 3ul, 0ul));
 }
 
-// ---------------------------------------------------------------------------- lights and scene
-
 TEST(Lights, HaveATypeAndCopyEverything)
 {
     moLight_c light;
@@ -236,8 +230,6 @@ TEST(SceneHolder, WritesTheFloor)
     EXPECT_EQ(scene.sceneData, nullptr);
 }
 
-// -------------------------------------------------------------------------------- tessellation
-
 TEST(Tessellation, AnswersByConfigurationAndMakesNoEntries)
 {
     moVisualProperties_c look;
@@ -301,8 +293,6 @@ TEST_P(NumBodies, IsTheCountOfTheArray)
 
 INSTANTIATE_TEST_SUITE_P(Rows, NumBodies, testing::ValuesIn(kBodyCounts),
                          [](const auto& row) { return row.param.name; });
-
-// ----------------------------------------------------------------------------------- documents
 
 TEST(Documents, HaveTheseDefaults)
 {

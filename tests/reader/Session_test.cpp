@@ -27,8 +27,6 @@ using testing::Pair;
 
 constexpr wchar_t kPath[] = L"prepared/session";
 
-// ------------------------------------------------------------------------------ document object
-
 TEST(DocumentObject, IsEmptyAtFirst)
 {
     CDispListsDoc document;
@@ -71,8 +69,6 @@ TEST(DocumentObject, KeepsTwoDocumentsApart)
     EXPECT_EQ(alive, 1);
     EXPECT_FALSE(two.partDocument->isRejected());
 }
-
-// ----------------------------------------------------------------------------------- ReadFile
 
 TEST(ReadFile, HandsOutThePartThatWasRead)
 {
@@ -237,8 +233,6 @@ TEST(ReadFile, LeavesAnEmptyObjectWhenMemoryRunsOut)
     EXPECT_EQ(document.partDocument, nullptr);
 }
 
-// ------------------------------------------------------------------------------ configurations
-
 TEST(Configurations, AreFoundByTheirExactName)
 {
     const Prepared prepared(kPath, [] {
@@ -278,8 +272,6 @@ TEST(Configurations, LiveAsLongAsTheDocument)
     readInto(document, L"prepared/unknown");
     EXPECT_EQ(document.getTempDispListDataSHDArrayForConfig(name), nullptr);
 }
-
-// ----------------------------------------------------------------------------------- callbacks
 
 class Reading : public testing::Test {
 protected:
@@ -448,8 +440,6 @@ TEST_F(Reading, ClearsTheReasonOnTheNextReadThatGoesWell)
     EXPECT_EQ(ovdl::lastReason(), "");
 }
 
-// ---------------------------------------------------------------------------- base callbacks
-
 class Handlers : public testing::Test {
 protected:
     ~Handlers() override
@@ -548,8 +538,6 @@ TEST(Formats, AreNamedWithThePreparedOnesFirst)
     ASSERT_FALSE(ovdl::formatNames().empty());
     EXPECT_EQ(ovdl::formatNames().front(), "prepared");
 }
-
-// --------------------------------------------------------------------------- embedded items
 
 TEST(EmbeddedItems, AreAnEmptyContainerOfTheCallersForAnyPath)
 {

@@ -28,8 +28,6 @@ long openFiles()
     return std::distance(begin(files), end(files));
 }
 
-// ------------------------------------------------------------------------------------- probes
-
 TEST(CreateStorage, NeverGivesNull)
 {
     CDispListsDoc document;
@@ -134,8 +132,6 @@ TEST(CreateStorage, HasNoStoragesInside)
     EXPECT_EQ(storage->loadVersion(), 10000u);
     EXPECT_EQ(storage->loadDLVersion(), 0u);
 }
-
-// ------------------------------------------------------------------------ structured storages
 
 TEST(StructuredStorage, BelongsToWhoeverMakesIt)
 {

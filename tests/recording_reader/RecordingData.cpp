@@ -25,8 +25,6 @@ T findOr(const std::map<int, T>& values, int key, T otherwise)
 
 }  // namespace
 
-// ------------------------------------------------------------------------------------ appearance
-
 uoMaterialTextureProperties::uoMaterialTextureProperties() = default;
 uoMaterialTextureProperties::uoMaterialTextureProperties(const uoMaterialTextureProperties&) = default;
 uoMaterialTextureProperties& uoMaterialTextureProperties::operator=(const uoMaterialTextureProperties&) =
@@ -153,8 +151,6 @@ std::list<unsigned long> uoDecalProperties::getColorMask()
     return {colorMask.begin(), colorMask.end()};
 }
 
-// ------------------------------------------------------------------------------ lights and scene
-
 moLight_c::moLight_c() = default;
 moLight_c::moLight_c(const moLight_c&) = default;
 moLight_c& moLight_c::operator=(const moLight_c&) = default;
@@ -218,8 +214,6 @@ void ovScene_c::getFloorLocation(mgPoint_c& point, mgVector_c& direction)
     point = floorPoint;
     direction = floorVector;
 }
-
-// ---------------------------------------------------------------------------------- tessellation
 
 uoTempFaceTessData_c::uoTempFaceTessData_c() = default;
 uoTempFaceTessData_c::uoTempFaceTessData_c(const uoTempFaceTessData_c&) = default;

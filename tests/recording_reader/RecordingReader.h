@@ -64,6 +64,8 @@ public:
 
     /// What SetOVDL_Callbacks was given last. Stays through reset().
     OVDL_Callbacks* registered = nullptr;
+    /// The list that restoreOleItems was given last; it lives as long as the session.
+    const CList<CRectItem*, CRectItem*>* items = nullptr;
     /// What createStorage gave; the reader's own until reset().
     std::vector<std::unique_ptr<suFileStorage>> probes;
 

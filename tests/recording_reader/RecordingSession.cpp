@@ -60,8 +60,6 @@ private:
 
 }  // namespace
 
-// ------------------------------------------------------------------------------------- documents
-
 OVDLDocument::OVDLDocument() = default;
 OVDLDocument::OVDLDocument(const OVDLDocument&) = default;
 OVDLDocument& OVDLDocument::operator=(const OVDLDocument&) = default;
@@ -82,8 +80,6 @@ OVDLAssemblyDocument::OVDLAssemblyDocument() = default;
 OVDLAssemblyDocument::OVDLAssemblyDocument(const OVDLAssemblyDocument&) = default;
 OVDLAssemblyDocument& OVDLAssemblyDocument::operator=(const OVDLAssemblyDocument&) = default;
 OVDLAssemblyDocument::~OVDLAssemblyDocument() = default;
-
-// ------------------------------------------------------------------------------ document object
 
 class CDispListsDoc::State {};
 
@@ -136,8 +132,6 @@ bool CDispListsDoc::iRestoreConfigManager(suFileStorage&)
     return true;
 }
 
-// -------------------------------------------------------------------------------- embedded items
-
 OVDLOleDocumentContainer::OVDLOleDocumentContainer() = default;
 
 OVDLOleDocumentContainer::~OVDLOleDocumentContainer()
@@ -150,10 +144,9 @@ OVDLOleDocumentContainer* restoreOleItems(const std::wstring& path, CList<CRectI
 {
     record("restoreOleItems(" + platform::toUtf8(path) + ")");
     items.AddTail(reinterpret_cast<CRectItem*>(&items));
+    Recorder::get().items = &items;
     return new OVDLOleDocumentContainer;
 }
-
-// ------------------------------------------------------------------------------------- callbacks
 
 OVDL_Callbacks::OVDL_Callbacks() = default;
 
@@ -195,8 +188,6 @@ void SetOVDL_Callbacks(OVDL_Callbacks* callbacks)
     Recorder::get().registered = callbacks;
     recordQuietly([&] { return "SetOVDL_Callbacks(" + orNull(callbacks) + ")"; });
 }
-
-// -------------------------------------------------------------------------------------- storages
 
 suFileStorage::suFileStorage() = default;
 suFileStorage::~suFileStorage() = default;

@@ -3,7 +3,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <list>
+#include <string>
 #include <type_traits>
+#include <vector>
 
 #include "tests/scene/AppearanceFields.h"
 
@@ -13,10 +16,38 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 static_assert(std::has_virtual_destructor_v<dlDecal>);
-static_assert(std::is_same_v<decltype(std::declval<dlDecal&>().getColorMask()), std::list<unsigned long>>);
-static_assert(std::is_same_v<decltype(std::declval<dlDecal&>().getMaskFilename()), std::wstring>);
-static_assert(std::is_same_v<decltype(std::declval<const dlDecal&>().getPickDecalTag()), std::string>);
 static_assert(sizeof(decalmaskType_e) == 4);
+
+// Hosts are linked against these, so that const or a type that changes breaks them.
+static_assert(std::is_same_v<decltype(&dlDecal::operator=), dlDecal& (dlDecal::*)(const dlDecal&)>);
+static_assert(std::is_same_v<decltype(&dlDecal::isDecal), bool (dlDecal::*)() const>);
+static_assert(std::is_same_v<decltype(&dlDecal::operator<), bool (dlDecal::*)(const dlMaterial&) const>);
+static_assert(std::is_same_v<decltype(&dlDecal::operator==), bool (dlDecal::*)(const dlDecal&) const>);
+static_assert(std::is_same_v<decltype(&dlDecal::getFaceId), int (dlDecal::*)() const>);
+static_assert(std::is_same_v<decltype(&dlDecal::setFaceId), void (dlDecal::*)(int)>);
+static_assert(std::is_same_v<decltype(&dlDecal::getUODecalId), int (dlDecal::*)() const>);
+static_assert(std::is_same_v<decltype(&dlDecal::setUODecalId), void (dlDecal::*)(int)>);
+static_assert(std::is_same_v<decltype(&dlDecal::getInstanceDecal), int (dlDecal::*)()>);
+static_assert(std::is_same_v<decltype(&dlDecal::setInstanceDecal), void (dlDecal::*)(int)>);
+static_assert(std::is_same_v<decltype(&dlDecal::getMaskInvert), int (dlDecal::*)()>);
+static_assert(std::is_same_v<decltype(&dlDecal::setMaskInvert), void (dlDecal::*)(int)>);
+static_assert(std::is_same_v<decltype(&dlDecal::getUseUnderlyingAppearance), int (dlDecal::*)()>);
+static_assert(std::is_same_v<decltype(&dlDecal::setUseUnderlyingAppearance), void (dlDecal::*)(int)>);
+static_assert(std::is_same_v<decltype(&dlDecal::getMaskType), decalmaskType_e (dlDecal::*)()>);
+static_assert(std::is_same_v<decltype(&dlDecal::setMaskType), void (dlDecal::*)(decalmaskType_e)>);
+static_assert(std::is_same_v<decltype(&dlDecal::getTextureTransU), float (dlDecal::*)() const>);
+static_assert(std::is_same_v<decltype(&dlDecal::setTextureTransU), void (dlDecal::*)(float)>);
+static_assert(std::is_same_v<decltype(&dlDecal::getTextureTransV), float (dlDecal::*)() const>);
+static_assert(std::is_same_v<decltype(&dlDecal::setTextureTransV), void (dlDecal::*)(float)>);
+static_assert(std::is_same_v<decltype(&dlDecal::getTextureAngleUV), float (dlDecal::*)() const>);
+static_assert(std::is_same_v<decltype(&dlDecal::setTextureAngleUV), void (dlDecal::*)(float)>);
+static_assert(std::is_same_v<decltype(&dlDecal::getMaskFilename), std::wstring (dlDecal::*)()>);
+static_assert(std::is_same_v<decltype(&dlDecal::setMaskFilename), void (dlDecal::*)(std::wstring)>);
+static_assert(std::is_same_v<decltype(&dlDecal::getPickDecalTag), std::string (dlDecal::*)() const>);
+static_assert(std::is_same_v<decltype(&dlDecal::setPickDecalTag), void (dlDecal::*)(std::string)>);
+static_assert(std::is_same_v<decltype(&dlDecal::getColorMask), std::list<unsigned long> (dlDecal::*)()>);
+static_assert(
+    std::is_same_v<decltype(&dlDecal::setColorMask), void (dlDecal::*)(std::list<unsigned long>)>);
 
 TEST(Decal, Defaults)
 {
@@ -99,6 +130,8 @@ TEST(Decal, ColoursAre32Bit)
     dlDecal decal;
     decal.setColorMask({0xFFFFFFFFul});
     EXPECT_THAT(decal.getColorMask(), ElementsAre(0xFFFFFFFFul));
+    decal.setColorMask({0x1'00000002ul});
+    EXPECT_THAT(decal.getColorMask(), ElementsAre(2ul));
 }
 
 void fill(dlDecal& decal)
@@ -109,7 +142,13 @@ void fill(dlDecal& decal)
     decal.decalReservedC = 23;
     decal.decalReservedD = 24;
     decal.ambient = 25;
+    decal.idName = "id";
+    decal.userName = "user";
+    decal.appearanceName = "appearance";
     decal.shaderName = "shader";
+    decal.visualName = "visual";
+    decal.texture.filename = L"image";
+    decal.texture.center[0] = 26;
     decal.reservedNameA = "source A";
     decal.reservedNameB = "source B";
 }
@@ -121,7 +160,13 @@ void expectCopied(const dlDecal& copy, const dlDecal& source)
     EXPECT_EQ(copy.faceId, 1);
     EXPECT_EQ(copy.decalReservedD, 24);
     EXPECT_EQ(copy.pickDecalTag, "tag");
+    EXPECT_EQ(copy.idName, "id");
+    EXPECT_EQ(copy.userName, "user");
+    EXPECT_EQ(copy.appearanceName, "appearance");
     EXPECT_EQ(copy.shaderName, "shader");
+    EXPECT_EQ(copy.visualName, "visual");
+    EXPECT_EQ(copy.texture.filename, L"image");
+    EXPECT_EQ(copy.texture.center[0], 26);
     EXPECT_EQ(copy.ambient, 25);
     EXPECT_NE(&copy.colorMask, &source.colorMask);
 }
@@ -156,6 +201,8 @@ TEST(Decal, SelfAssignmentKeepsEverything)
     const dlDecal& alias = decal;
     decal = alias;
     expectCopied(decal, expected);
+    EXPECT_EQ(decal.reservedNameA, "source A");
+    EXPECT_EQ(decal.reservedNameB, "source B");
 }
 
 template <auto Field, class Value>

@@ -5,7 +5,11 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
+#include <list>
+#include <string>
 #include <type_traits>
+#include <vector>
 
 #include "tests/scene/AppearanceFields.h"
 #include "tests/scene/CountingDecal.h"
@@ -22,7 +26,15 @@ concept HasOwnInequality = requires
     &T::operator!=;
 };
 static_assert(!HasOwnInequality<dlMaterial>);
-static_assert(std::is_same_v<decltype(std::declval<dlMaterial&>().getDecals()), std::list<dlDecal*>&>);
+static_assert(
+    std::is_same_v<decltype(&dlMaterial::operator=), dlMaterial& (dlMaterial::*)(const dlMaterial&)>);
+static_assert(std::is_same_v<decltype(&dlMaterial::isDecal), bool (dlMaterial::*)() const>);
+static_assert(
+    std::is_same_v<decltype(&dlMaterial::operator<), bool (dlMaterial::*)(const dlMaterial&) const>);
+static_assert(
+    std::is_same_v<decltype(&dlMaterial::operator==), bool (dlMaterial::*)(const dlMaterial&) const>);
+static_assert(std::is_same_v<decltype(&dlMaterial::addDecals), void (dlMaterial::*)(dlDecal*)>);
+static_assert(std::is_same_v<decltype(&dlMaterial::getDecals), std::list<dlDecal*>& (dlMaterial::*)()>);
 
 // A pointer to a virtual operation starts with the place of that operation in the table.
 template <class Operation>
@@ -101,6 +113,11 @@ void fill(dlMaterial& m)
     for (const auto& field : materialFloats()) {
         field.at(m) = value++;
     }
+    for (const auto& field : textureFloats()) {
+        field.at(m.texture) = value++;
+    }
+    m.texture.center[1] = 99;
+    m.texture.mappingType = 5;
     m.texture.filename = L"image";
     m.colorRef = 3;
     m.rvIndex = 4;
@@ -119,12 +136,15 @@ void fill(dlMaterial& m)
     m.addDecals(new dlDecal);
 }
 
-// All but the two names that an assignment leaves out.
-void expectCopied(dlMaterial& copy, dlMaterial& source)
+// All but the decals and the two names that an assignment leaves out.
+void expectSameFields(dlMaterial& copy, dlMaterial& source)
 {
     for (const auto& field : materialFloats()) {
         EXPECT_EQ(field.at(copy), field.at(source)) << field.name;
     }
+    EXPECT_FALSE(copy.texture != source.texture);
+    EXPECT_EQ(copy.texture.center[1], 99.0f);
+    EXPECT_EQ(copy.texture.mappingType, 5u);
     EXPECT_EQ(copy.texture.filename, L"image");
     EXPECT_EQ(copy.colorRef, 3u);
     EXPECT_EQ(copy.rvIndex, 4);
@@ -137,6 +157,11 @@ void expectCopied(dlMaterial& copy, dlMaterial& source)
     for (const TextField name : kNames) {
         EXPECT_EQ(copy.*name, source.*name);
     }
+}
+
+void expectCopied(dlMaterial& copy, dlMaterial& source)
+{
+    expectSameFields(copy, source);
     EXPECT_EQ(copy.decals, source.decals);
 }
 
@@ -164,6 +189,30 @@ TEST(Material, AssignmentKeepsTheTwoReservedNames)
     target.decals.clear();
 }
 
+void expectOnlyFlag(const dlMaterial& copy, bool dlMaterial::*set)
+{
+    for (const auto flag : kFlags) {
+        EXPECT_EQ(copy.*flag, flag == set);
+    }
+}
+
+// Flags that are swapped show only when they are not all alike, and one that is left out only when
+// the target has the opposite.
+TEST(Material, CopiesCarryEachFlagToItsOwnPlace)
+{
+    for (const auto set : kFlags) {
+        dlMaterial source, target;
+        for (const auto flag : kFlags) {
+            source.*flag = flag == set;
+            target.*flag = flag != set;
+        }
+        SCOPED_TRACE(std::find(std::begin(kFlags), std::end(kFlags), set) - kFlags);
+        expectOnlyFlag(dlMaterial(source), set);
+        target = source;
+        expectOnlyFlag(target, set);
+    }
+}
+
 TEST(Material, AssignmentLeavesReplacedDecalsAlive)
 {
     std::vector<std::string> gone;
@@ -175,17 +224,28 @@ TEST(Material, AssignmentLeavesReplacedDecalsAlive)
     EXPECT_THAT(gone, IsEmpty());
 }
 
+template <std::size_t Count>
+void expectNames(const dlMaterial& material, const TextField (&names)[Count],
+                 const char* const (&expected)[Count])
+{
+    for (std::size_t i = 0; i < Count; ++i) {
+        EXPECT_EQ(material.*names[i], expected[i]);
+    }
+}
+
 TEST(Material, SelfAssignmentKeepsEverything)
 {
     dlMaterial material, expected;
     fill(material);
+    fill(expected);
+    dlDecal* const decal = material.decals.front();
     const dlMaterial& alias = material;
     material = alias;
-    fill(expected);
-    expectCopied(material, material);
-    EXPECT_EQ(material.idName, expected.idName);
-    EXPECT_EQ(material.decals.size(), 1u);
-    EXPECT_EQ(material.reservedNameA, "source A");
+    expectSameFields(material, expected);
+    EXPECT_THAT(material.decals, ElementsAre(decal));
+    expectNames(material, kNames,
+                {"name 0", "name 1", "name 2", "name 3", "name 4", "name 5", "name 6", "name 7"});
+    expectNames(material, kKeptNames, {"source A", "source B"});
 }
 
 TEST(Material, AddDecalsIgnoresNull)
@@ -262,6 +322,18 @@ const CompareCase<dlMaterial> kChanges[] = {
      [](dlMaterial& m) {
          m.addDecals(new dlDecal);
          m.decals.back()->setInstanceDecal(1);
+     },
+     false, true, false},
+    {"an_instance_decal_of_2_last",
+     [](dlMaterial& m) {
+         m.addDecals(new dlDecal);
+         m.decals.back()->setInstanceDecal(2);
+     },
+     false, true, false},
+    {"a_negative_instance_decal_last",
+     [](dlMaterial& m) {
+         m.addDecals(new dlDecal);
+         m.decals.back()->setInstanceDecal(-1);
      },
      false, true, false},
 };
@@ -458,6 +530,7 @@ TEST(MaterialOrder, SurfaceDecalComesBeforeTheSizes)
 {
     dlMaterial one, two;
     addDecal(one, 1);
+    addDecal(two, 1);
     addDecal(two, 0);
     addDecal(two, 1);
     EXPECT_TRUE(two < one);
@@ -498,7 +571,7 @@ TEST(MaterialOrder, FirstUnlikePairDecidesEvenIfNeitherIsLess)
     EXPECT_FALSE(b < a);
 }
 
-// Asks whether the receiver of == and of < is the decal of the argument.
+// Tells whether its own < was called.
 class AskedDecal : public dlDecal {
 public:
     bool operator<(const dlMaterial&) const override

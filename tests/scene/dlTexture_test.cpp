@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <type_traits>
 
 #include "tests/scene/AppearanceFields.h"
 
@@ -14,6 +15,11 @@ concept HasOwnEquality = requires(const T& a)
     a == a;
 };
 static_assert(!HasOwnEquality<dlTexture>);
+static_assert(!std::is_polymorphic_v<dlTexture>);
+static_assert(std::is_same_v<decltype(&dlTexture::operator=), dlTexture& (dlTexture::*)(const dlTexture&)>);
+static_assert(
+    std::is_same_v<decltype(&dlTexture::operator!=), bool (dlTexture::*)(const dlTexture&) const>);
+static_assert(std::is_same_v<decltype(&dlTexture::operator<), bool (dlTexture::*)(const dlTexture&) const>);
 
 TEST(Texture, Defaults)
 {

@@ -9,12 +9,20 @@ namespace platform {
 
 namespace {
 
-// Below two huge pages there may be no whole one in the block.
-constexpr std::size_t kSmallestBlock = std::size_t{4} << 20;
+// A fault costs more than the call below from a few dozen pages on.
+constexpr std::size_t kSmallestBlock = std::size_t{128} << 10;
+// A smaller block holds no whole huge page.
+constexpr std::size_t kHugePage = std::size_t{2} << 20;
+
+#if defined(MADV_POPULATE_WRITE)
+constexpr int kPopulate = MADV_POPULATE_WRITE;
+#else
+constexpr int kPopulate = 23;
+#endif
 
 }  // namespace
 
-void adviseHugePages(void* block, std::size_t size)
+void prepareForFilling(void* block, std::size_t size)
 {
     if (!block || size < kSmallestBlock) {
         return;
@@ -23,7 +31,10 @@ void adviseHugePages(void* block, std::size_t size)
     const auto start = reinterpret_cast<std::uintptr_t>(block);
     const std::uintptr_t firstPage = (start + pageSize - 1) / pageSize * pageSize;
     const std::uintptr_t end = (start + size) / pageSize * pageSize;
-    madvise(reinterpret_cast<void*>(firstPage), end - firstPage, MADV_HUGEPAGE);
+    if (size >= kHugePage) {
+        madvise(reinterpret_cast<void*>(firstPage), end - firstPage, MADV_HUGEPAGE);
+    }
+    madvise(reinterpret_cast<void*>(firstPage), end - firstPage, kPopulate);
 }
 
 }  // namespace platform

@@ -31,7 +31,7 @@ std::int32_t* Arrays::integers(std::size_t count)
 unsigned char* Arrays::newBlock(std::size_t size)
 {
     blocks_.emplace_back(new unsigned char[size]);
-    platform::adviseHugePages(blocks_.back().get(), size);
+    platform::prepareForFilling(blocks_.back().get(), size);
     return blocks_.back().get();
 }
 

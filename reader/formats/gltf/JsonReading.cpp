@@ -127,7 +127,7 @@ private:
     std::uint64_t whole(od::value value);
     std::int32_t index(od::value value);
     std::uint32_t index32(od::value value) { return static_cast<std::uint32_t>(index(value)); }
-    double real(od::value value) { return value.get_double(); }
+    double real(od::value value);
     std::string_view text(od::value value) { return value.get_string(); }
     template <std::size_t size>
     void reals(od::value value, std::array<double, size>& target);
@@ -177,6 +177,19 @@ std::uint64_t Reading::whole(od::value value)
     if (!(real >= 0 && real <= 9007199254740992.0 && real == std::floor(real)))
         fail("is no whole number from 0 up");
     return static_cast<std::uint64_t>(real);
+}
+
+// The library reads 0.1000000000000000055511151231257827 as 4e-16: with more digits than fit a word, it
+// takes the leading zero for one of them (3.0.1, and only where it reads on demand). It still says
+// whether the number is well written.
+double Reading::real(od::value value)
+{
+    constexpr std::size_t kSafeLength = 18;
+    const std::string_view token = value.raw_json_token();
+    double result = value.get_double();
+    if (token.size() > kSafeLength)
+        std::from_chars(token.data(), token.data() + token.size(), result);
+    return result;
 }
 
 std::int32_t Reading::index(od::value value)

@@ -61,8 +61,8 @@ void StripGrower::growForwards(std::vector<std::uint32_t>& strip)
 }
 
 // Mirrored: what is put in front of an even triangle is odd. A strip has to begin with an even one, so an
-// odd one that is left over at the front is given up again.
-void StripGrower::growBackwards(std::vector<std::uint32_t>& strip)
+// odd one that is left over at the front is given up again; false if there was one.
+bool StripGrower::growBackwards(std::vector<std::uint32_t>& strip)
 {
     backwards_.clear();
     std::uint32_t first = strip[0];
@@ -78,14 +78,19 @@ void StripGrower::growBackwards(std::vector<std::uint32_t>& strip)
         first = list_[nextCorner(nextCorner(corner))];
         backwards_.push_back(first);
     }
-    if (backwards_.size() % 2 != 0) {
+    const bool isWhole = backwards_.size() % 2 == 0;
+    if (!isWhole) {
         backwards_.pop_back();
         triedTriangles_.pop_back();
     }
     strip.insert(strip.begin(), backwards_.rbegin(), backwards_.rend());
+    return isWhole;
 }
 
-void StripGrower::growFrom(std::uint32_t triangle, std::uint32_t corner, std::vector<std::uint32_t>& strip)
+// Gives how good the strip is. One that leaves a single triangle behind costs a second strip for it, so
+// it is worth half of its length.
+std::size_t StripGrower::growFrom(std::uint32_t triangle, std::uint32_t corner,
+                                  std::vector<std::uint32_t>& strip)
 {
     ++trial_;
     strip.clear();
@@ -95,7 +100,7 @@ void StripGrower::growFrom(std::uint32_t triangle, std::uint32_t corner, std::ve
     for (int i = 0; i < 3; ++i, at = nextCorner(at))
         strip.push_back(list_[at]);
     growForwards(strip);
-    growBackwards(strip);
+    return growBackwards(strip) ? 2 * triedTriangles_.size() : triedTriangles_.size();
 }
 
 void StripGrower::keep(std::uint32_t* ids, std::int32_t* lengths)
@@ -120,10 +125,11 @@ void StripGrower::grow(const std::uint32_t* list, std::size_t triangleCount, std
     for (std::uint32_t triangle = 0; triangle < triangleCount; ++triangle) {
         if (marks_[triangle] == kTaken)
             continue;
-        best_.clear();
+        std::size_t bestWorth = 0;
         for (std::uint32_t corner = 0; corner < 3; ++corner) {
-            growFrom(triangle, corner, tried_);
-            if (tried_.size() > best_.size()) {
+            const std::size_t worth = growFrom(triangle, corner, tried_);
+            if (worth > bestWorth) {
+                bestWorth = worth;
                 best_.swap(tried_);
                 bestTriangles_.swap(triedTriangles_);
             }

@@ -6,7 +6,7 @@
 namespace ovdl::gltf {
 
 /// Grows strips one at a time: from the first triangle that is left, over its three edges in turn,
-/// forwards and backwards as far as triangles are left, and keeps the longest. Strips zigzag and
+/// forwards and backwards as far as triangles are left, and keeps the best. Strips zigzag and
 /// nothing else, so a mesh of regular rows comes out in whole rows, in whatever order it is listed.
 class StripGrower {
 public:
@@ -23,9 +23,9 @@ private:
     void linkEdges(std::size_t idCount);
     std::uint32_t across(std::uint32_t from, std::uint32_t to) const;
     bool isFree(std::uint32_t triangle) const { return marks_[triangle] < trial_; }
-    void growFrom(std::uint32_t triangle, std::uint32_t corner, std::vector<std::uint32_t>& strip);
+    std::size_t growFrom(std::uint32_t triangle, std::uint32_t corner, std::vector<std::uint32_t>& strip);
     void growForwards(std::vector<std::uint32_t>& strip);
-    void growBackwards(std::vector<std::uint32_t>& strip);
+    bool growBackwards(std::vector<std::uint32_t>& strip);
     void keep(std::uint32_t* ids, std::int32_t* lengths);
 
     const std::uint32_t* list_ = nullptr;

@@ -134,10 +134,11 @@ Stripifier::Way Stripifier::chooseWay(const TriangleList& triangles)
     if (idCount > 16 * length)
         return Way::kGrown;
     std::transform(list, list + length, sample_.get(length), [&](std::uint32_t id) { return id - base; });
-    for (const Way way : {Way::kAsListed, Way::kPairsSwapped})
-        if (costOfSample(way, length, idCount) <= kGood)
-            return way;
-    return Way::kGrown;
+    const double asListed = costOfSample(Way::kAsListed, length, idCount);
+    const double swapped = costOfSample(Way::kPairsSwapped, length, idCount);
+    if (std::min(asListed, swapped) > kGood)
+        return Way::kGrown;
+    return swapped < asListed ? Way::kPairsSwapped : Way::kAsListed;
 }
 
 StripIds Stripifier::byGrowing(const TriangleList& triangles)
@@ -156,14 +157,16 @@ StripIds Stripifier::make(const TriangleList& triangles)
 {
     if (triangles.triangleCount == 0)
         return {};
-    const Way way = chooseWay(triangles);
-    if (way == Way::kGrown)
-        return byGrowing(triangles);
-    const StripIds strips =
-        run(way, triangles.indices, 3 * triangles.triangleCount, triangles.idCount, blocks_);
-    const bool isGood =
-        static_cast<double>(strips.idCount) <= kGood * static_cast<double>(triangles.triangleCount);
-    return isGood ? strips : byGrowing(triangles);
+    Way way = chooseWay(triangles);
+    for (int attempt = 0; attempt < 2 && way != Way::kGrown; ++attempt) {
+        const StripIds strips =
+            run(way, triangles.indices, 3 * triangles.triangleCount, triangles.idCount, blocks_);
+        if (double(strips.idCount) <= kGood * double(triangles.triangleCount))
+            return strips;
+        // The sample was not like the rest.
+        way = way == Way::kAsListed ? Way::kPairsSwapped : Way::kAsListed;
+    }
+    return byGrowing(triangles);
 }
 
 }  // namespace ovdl::gltf
