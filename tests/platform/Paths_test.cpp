@@ -132,6 +132,8 @@ TEST_F(NativePath, OfAFileAsAFolderStaysAsWritten)
 TEST_F(NativePath, LeavesADriveAloneWithoutAFolderOfDrives)
 {
     EXPECT_EQ(platform::nativePath(L"q:\\No\\Such"), "q:/No/Such");
+    EXPECT_EQ(platform::nativePath(L"q:\\..\\..\\No"), "q:/No");
+    EXPECT_EQ(platform::nativePath(L"q:No\\..\\Such"), "q:/Such");
 }
 
 struct DriveCase {
@@ -149,6 +151,15 @@ const DriveCase kDriveCases[] = {
     {"its_root", L"C:\\", "/c:/"},
     {"missing_below_the_drive", L"C:\\New\\x", "/c:/New/x"},
     {"unknown_drive", L"E:\\x", "/E:/x"},
+    {"no_way_up_from_the_root", L"C:\\..\\..\\etc\\x", "/c:/etc/x"},
+    {"no_way_up_without_a_separator", L"C:..\\WORK", "/c:/Work"},
+    {"no_way_up_from_below", L"C:\\Work\\..\\..\\..\\x", "/c:/x"},
+    {"no_way_up_at_the_end", L"C:\\..", "/c:"},
+    {"no_way_up_from_an_unknown_drive", L"E:\\..\\c:\\Work", "/E:/c:/Work"},
+    {"no_way_up_past_single_points", L"C:\\Work\\.\\..\\..\\x", "/c:/x"},
+    {"way_back_below_the_root", L"C:\\Missing\\..\\WORK\\part.glb", "/c:/Work/part.glb"},
+    {"single_points_go", L"C:\\.\\WORK\\.\\part.glb", "/c:/Work/part.glb"},
+    {"more_points_are_a_name", L"C:\\...\\..x", "/c:/.../..x"},
 };
 
 class DrivePath : public testing::TestWithParam<DriveCase> {};
@@ -164,6 +175,16 @@ TEST_P(DrivePath, LiesInTheFolderOfDrives)
 
 INSTANTIATE_TEST_SUITE_P(Rows, DrivePath, testing::ValuesIn(kDriveCases),
                          [](const auto& row) { return row.param.name; });
+
+// A link within a drive is the user's own doing, but a way back from it is one of the text.
+TEST_F(NativePath, LeadsBackFromALinkByTheTextAlone)
+{
+    folder_.makeFolder("drives/c:/Here");
+    folder_.makeFolder("elsewhere/below");
+    std::filesystem::create_directory_symlink(folder_ / "elsewhere/below", folder_ / "drives/c:/Link");
+    const ScopedVariable variable("RAYLUME_DRIVES", folder_ / "drives");
+    EXPECT_EQ(platform::nativePath(L"C:\\link\\..\\here"), folder_ / "drives/c:/Here");
+}
 
 TEST_F(NativePath, IgnoresTheFolderOfDrivesForOtherTexts)
 {

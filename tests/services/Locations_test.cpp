@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <string>
 
+#include "raylume/services/HostPaths.h"
 #include "tests/platform/ScopedCodePage.h"
 #include "tests/platform/ScopedEnvironment.h"
 #include "tests/platform/TemporaryFolder.h"
