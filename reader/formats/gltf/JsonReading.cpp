@@ -90,7 +90,9 @@ private:
     template <class Visit>
     void eachElement(od::value value, Visit visit)
     {
-        for (auto element : value.get_array().value())
+        // By name, since a loop keeps alive no more than the last of its temporaries.
+        od::array elements = value.get_array().value();
+        for (auto element : elements)
             visit(std::move(element).value());
     }
     // The elements of one of the document's lists; `read` is a member that fills one record.
