@@ -26,6 +26,15 @@ Affine compose(const Affine& outer, const Affine& inner)
     return result;
 }
 
+Affine compose(const Affine& outer, const std::array<double, 3>& translation)
+{
+    Affine result = outer;
+    turn(outer, translation.data(), &result.m[9]);
+    for (int row = 0; row < 3; ++row)
+        result.m[9 + row] += outer.m[9 + row];
+    return result;
+}
+
 Affine fromMatrix(const std::array<double, 16>& matrix)
 {
     Affine result;
@@ -55,7 +64,11 @@ Affine fromParts(const std::array<double, 3>& translation, const std::array<doub
 
 bool isFinite(const Affine& transform)
 {
-    return std::all_of(transform.m.begin(), transform.m.end(), [](double v) { return std::isfinite(v); });
+    // Zero times anything else is no zero.
+    double sum = 0;
+    for (const double value : transform.m)
+        sum += value * 0;
+    return sum == 0;
 }
 
 }  // namespace ovdl::gltf

@@ -15,6 +15,8 @@ struct Affine {
 
 /// The transform that applies `inner` first.
 Affine compose(const Affine& outer, const Affine& inner);
+/// The same for an inner transform that only moves.
+Affine compose(const Affine& outer, const std::array<double, 3>& translation);
 /// From a column-major 4 by 4 matrix, whose last row is left out.
 Affine fromMatrix(const std::array<double, 16>& matrix);
 /// Scale first, then the rotation of the quaternion x, y, z, w (normalised; a zero one is no

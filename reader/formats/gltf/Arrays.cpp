@@ -13,9 +13,13 @@ constexpr std::size_t kAlignment = 16;
 
 }  // namespace
 
-Arrays::Arrays(std::size_t expectedBytes)
-    : blockSize_(std::clamp(expectedBytes, kSmallestBlock, kLargestBlock))
+Arrays::Arrays(std::size_t expectedBytes) : expected_(expectedBytes) {}
+
+// The last block is no longer than what is still to come, so that little of it is mapped for nothing.
+std::size_t Arrays::nextBlockSize() const
 {
+    const std::size_t left = expected_ > taken_ ? expected_ - taken_ : taken_ / 16;
+    return std::clamp(left, kSmallestBlock, kLargestBlock);
 }
 
 float* Arrays::floats(std::size_t count)
@@ -38,11 +42,13 @@ unsigned char* Arrays::newBlock(std::size_t size)
 void* Arrays::bytes(std::size_t size)
 {
     size = (size + kAlignment - 1) / kAlignment * kAlignment;
-    if (size > left_ && size > blockSize_ / 4)
+    const std::size_t blockSize = nextBlockSize();
+    taken_ += size;
+    if (size > left_ && size > blockSize / 4)
         return newBlock(size);
     if (size > left_) {
-        next_ = newBlock(blockSize_);
-        left_ = blockSize_;
+        next_ = newBlock(blockSize);
+        left_ = blockSize;
     }
     unsigned char* result = next_;
     next_ += size;

@@ -1,5 +1,7 @@
 #include "reader/formats/gltf/GltfDocument.h"
 
+#include "raylume/platform/Memory.h"
+
 namespace ovdl::gltf {
 
 PartTessellation::PartTessellation(std::size_t faceCount)
@@ -13,14 +15,20 @@ PartTessellation::PartTessellation(std::size_t faceCount)
     part.bodies = {bodies, 1};
 }
 
-void GltfDocument::makeComponents(std::size_t count)
+void GltfDocument::reserveComponents(std::size_t count)
 {
-    components.reset(new uoTempAssemblySHDData_c[count]);
-    componentPointers.reset(new uoTempAssemblySHDData_c*[count]);
-    for (std::size_t i = 0; i < count; ++i)
-        componentPointers[i] = &components[i];
-    assemblyDocument.components.data = componentPointers.get();
-    assemblyDocument.components.count = static_cast<long long>(count);
+    components.reserve(count);
+    platform::prepareForFilling(components.data(), count * sizeof(uoTempAssemblySHDData_c));
+    componentPointers.reserve(count);
+}
+
+uoTempAssemblySHDData_c& GltfDocument::addComponent()
+{
+    uoTempAssemblySHDData_c& component = components.emplace_back();
+    componentPointers.push_back(&component);
+    assemblyDocument.components.data = componentPointers.data();
+    assemblyDocument.components.count = static_cast<long long>(componentPointers.size());
+    return component;
 }
 
 OVDLDocument& GltfDocument::shared()

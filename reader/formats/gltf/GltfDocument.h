@@ -31,8 +31,10 @@ public:
     OVDLAssemblyDocument* assembly() override { return isPart ? nullptr : &assemblyDocument; }
     uoTempAssemblySHDDataArray_c* configuration(const std::wstring&) override { return nullptr; }
 
-    /// Makes room for exactly that many components, default-constructed.
-    void makeComponents(std::size_t count);
+    /// Makes room for that many components; no more may be added.
+    void reserveComponents(std::size_t count);
+    /// Puts a new component at the end.
+    uoTempAssemblySHDData_c& addComponent();
     /// What both kinds of document share, of the kind that this one is.
     OVDLDocument& shared();
     /// Puts the lights where the library looks for them.
@@ -41,8 +43,8 @@ public:
     bool isPart = false;
     OVDLPartDocument partDocument;
     OVDLAssemblyDocument assemblyDocument;
-    std::unique_ptr<uoTempAssemblySHDData_c[]> components;
-    std::unique_ptr<uoTempAssemblySHDData_c*[]> componentPointers;
+    std::vector<uoTempAssemblySHDData_c> components;
+    std::vector<uoTempAssemblySHDData_c*> componentPointers;
     std::vector<std::unique_ptr<PartTessellation>> parts;  ///< By mesh; null for one that is not shown.
     Appearances appearances;
     std::deque<moLight_c> lights;

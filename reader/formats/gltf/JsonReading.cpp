@@ -12,6 +12,7 @@
 #include <string>
 
 #include "reader/formats/gltf/Budget.h"
+#include "reader/formats/gltf/NumberText.h"
 #include "reader/formats/gltf/Refusal.h"
 
 namespace ovdl::gltf {
@@ -27,6 +28,13 @@ constexpr std::string_view kSupportedExtensions[] = {
     "KHR_texture_transform",
 };
 
+// A comparison with a text of known length, which takes no call.
+template <std::size_t size>
+bool is(std::string_view key, const char (&name)[size])
+{
+    return key.size() == size - 1 && std::memcmp(key.data(), name, size - 1) == 0;
+}
+
 // Where the reading stands, for reasons.
 struct Place {
     const char* section = "";
@@ -38,7 +46,7 @@ struct Place {
     {
         std::string result = inElement ? numbered(section, index) : section;
         if (!key.empty() && key != section)
-            result += (result.empty() ? "" : ".") + std::string(key);
+            result.append(result.empty() ? "" : ".").append(key);
         return result;
     }
 };
@@ -107,8 +115,11 @@ private:
         place_.key = {};
         const char* begin = nullptr;
         eachElement(value, [&](od::value element) {
-            if (list.size() == list.capacity())
+            if (list.size() == list.capacity()) {
                 makeRoom(list, begin, element.raw_json_token().data());
+                if constexpr (std::is_same_v<Record, NodeRecord>)
+                    makeRoomBeside(list.size(), list.capacity());
+            }
             chargeRecord(sizeof(Record));
             (this->*read)(element, list.emplace_back());
             ++place_.index;
@@ -140,11 +151,23 @@ private:
         list.reserve(list.size() + std::clamp(left + left / 16, list.size() / 2, 15 * list.size()));
     }
 
+    // The same for what goes with the nodes, at the rate so far.
+    void makeRoomBeside(std::size_t nodes, std::size_t expected)
+    {
+        if (nodes == 0)
+            return;
+        records_.children.reserve(records_.children.size() * expected / nodes);
+        records_.translations.reserve(records_.translations.size() * expected / nodes);
+        records_.affines.reserve(records_.affines.size() * expected / nodes);
+    }
+
     std::uint64_t whole(od::value value);
     std::int32_t index(od::value value);
     std::uint32_t index32(od::value value) { return static_cast<std::uint32_t>(index(value)); }
     double real(od::value value);
     std::string_view text(od::value value) { return value.get_string(); }
+    template <class Visit>
+    void eachNumber(od::value value, Visit visit);
     template <std::size_t size>
     void reals(od::value value, std::array<double, size>& target);
     void list(od::value value, std::vector<std::uint32_t>& pool, std::uint32_t& first,
@@ -218,14 +241,26 @@ std::int32_t Reading::index(od::value value)
     return static_cast<std::int32_t>(result);
 }
 
+// Lists of numbers are read from their text: element by element, the library takes twice as long.
+template <class Visit>
+void Reading::eachNumber(od::value value, Visit visit)
+{
+    od::array array = value.get_array();
+    NumberList numbers(array.raw_json());
+    for (double number; numbers.next(number);)
+        visit(number);
+    if (numbers.isBroken())
+        fail("is no list of numbers");
+}
+
 template <std::size_t size>
 void Reading::reals(od::value value, std::array<double, size>& target)
 {
     std::size_t count = 0;
-    eachElement(value, [&](od::value element) {
+    eachNumber(value, [&](double number) {
         if (count == size)
             fail("has too many numbers");
-        target[count++] = real(element);
+        target[count++] = number;
     });
     if (count != size)
         fail("has too few numbers");
@@ -234,41 +269,46 @@ void Reading::reals(od::value value, std::array<double, size>& target)
 void Reading::list(od::value value, std::vector<std::uint32_t>& pool, std::uint32_t& first,
                    std::uint32_t& count)
 {
+    constexpr double kHighest = std::numeric_limits<std::int32_t>::max();
     first = static_cast<std::uint32_t>(pool.size());
-    eachElement(value, [&](od::value element) { pool.push_back(index32(element)); });
+    eachNumber(value, [&](double number) {
+        if (!(number >= 0 && number <= kHighest && number == std::floor(number)))
+            fail("has an entry that is no index");
+        pool.push_back(static_cast<std::uint32_t>(number));
+    });
     count = static_cast<std::uint32_t>(pool.size()) - first;
 }
 
 void Reading::readRoot(od::object root)
 {
     eachField(root, [&](std::string_view key, od::value value) {
-        if (key == "asset")
+        if (is(key, "asset"))
             readAsset(value);
-        else if (key == "extensionsRequired")
+        else if (is(key, "extensionsRequired"))
             readRequired(value);
-        else if (key == "extensions")
+        else if (is(key, "extensions"))
             readRootExtensions(value);
-        else if (key == "scene")
+        else if (is(key, "scene"))
             records_.scene = index(value);
-        else if (key == "scenes")
+        else if (is(key, "scenes"))
             readList("scenes", value, records_.scenes, &Reading::readScene);
-        else if (key == "nodes")
+        else if (is(key, "nodes"))
             readList("nodes", value, records_.nodes, &Reading::readNode);
-        else if (key == "meshes")
+        else if (is(key, "meshes"))
             readList("meshes", value, records_.meshes, &Reading::readMesh);
-        else if (key == "accessors")
+        else if (is(key, "accessors"))
             readList("accessors", value, records_.accessors, &Reading::readAccessor);
-        else if (key == "bufferViews")
+        else if (is(key, "bufferViews"))
             readList("bufferViews", value, records_.views, &Reading::readView);
-        else if (key == "buffers")
+        else if (is(key, "buffers"))
             readList("buffers", value, records_.buffers, &Reading::readBuffer);
-        else if (key == "materials")
+        else if (is(key, "materials"))
             readList("materials", value, records_.materials, &Reading::readMaterial);
-        else if (key == "textures")
+        else if (is(key, "textures"))
             readList("textures", value, records_.textures, &Reading::readTexture);
-        else if (key == "images")
+        else if (is(key, "images"))
             readList("images", value, records_.images, &Reading::readImage);
-        else if (key == "cameras") {
+        else if (is(key, "cameras")) {
             std::vector<char> cameras;
             readList("cameras", value, cameras, &Reading::readCamera);
             records_.cameraCount = cameras.size();
@@ -299,13 +339,13 @@ void Reading::readAsset(od::value value)
 {
     place_.section = "asset";
     eachField(value, [&](std::string_view key, od::value field) {
-        if (key == "version") {
+        if (is(key, "version")) {
             const std::string_view version = text(field);
             // A later 2.x says with minVersion whether a reader of 2.0 is enough.
             if (isNewer(version, "asset.version") && version.substr(0, 2) != "2.")
                 refuse("asset.version is " + std::string(version) + "; only glTF 2 is read");
             hasVersion_ = true;
-        } else if (key == "minVersion") {
+        } else if (is(key, "minVersion")) {
             const std::string_view version = text(field);
             if (isNewer(version, "asset.minVersion"))
                 refuse("asset.minVersion is " + std::string(version) + "; only glTF 2.0 is read");
@@ -328,10 +368,10 @@ void Reading::readRequired(od::value value)
 void Reading::readRootExtensions(od::value value)
 {
     eachField(value, [&](std::string_view key, od::value extension) {
-        if (key != "KHR_lights_punctual")
+        if (!is(key, "KHR_lights_punctual"))
             return;
         eachField(extension, [&](std::string_view inner, od::value lights) {
-            if (inner == "lights")
+            if (is(inner, "lights"))
                 readList("lights", lights, records_.lights, &Reading::readLight);
         });
     });
@@ -342,20 +382,25 @@ void Reading::readScene(od::value value, SceneRecord& scene)
     if (place_.index == 0)
         records_.sceneNodes.clear();
     eachField(value, [&](std::string_view key, od::value field) {
-        if (key == "nodes")
+        if (is(key, "nodes"))
             list(field, records_.sceneNodes, scene.firstNode, scene.nodeCount);
     });
 }
 
 // Where a node is, in either of the two ways to say it; the matrix wins over the parts.
-struct Placing {
+struct NodePlace {
     bool hasMatrix = false;
     bool hasTurn = false;  ///< A rotation or a scale.
+    bool hasTranslation = false;
     std::array<double, 16> matrix = {};
     std::array<double, 3> translation = {0, 0, 0};
     std::array<double, 4> rotation = {0, 0, 0, 1};
     std::array<double, 3> scale = {1, 1, 1};
 
+    Affine affine() const
+    {
+        return hasMatrix ? fromMatrix(matrix) : fromParts(translation, rotation, scale);
+    }
     bool isAffine() const
     {
         // Writers that invert matrices in single precision leave noise in the last row.
@@ -367,48 +412,52 @@ struct Placing {
 
 void Reading::readNode(od::value value, NodeRecord& node)
 {
-    if (place_.index == 0)
+    if (place_.index == 0) {
         records_.children.clear();
-    Placing placing;
+        records_.translations.clear();
+        records_.affines.clear();
+    }
+    NodePlace placing;
     eachField(value, [&](std::string_view key, od::value field) {
-        if (key == "name")
-            node.name = text(field);
-        else if (key == "mesh")
+        if (is(key, "name"))
+            node.setName(text(field));
+        else if (is(key, "mesh"))
             node.mesh = index(field);
-        else if (key == "children")
+        else if (is(key, "children"))
             list(field, records_.children, node.firstChild, node.childCount);
-        else if (key == "translation")
-            reals(field, placing.translation);
-        else if (key == "rotation")
+        else if (is(key, "translation"))
+            reals(field, placing.translation), placing.hasTranslation = true;
+        else if (is(key, "rotation"))
             reals(field, placing.rotation), placing.hasTurn = true;
-        else if (key == "scale")
+        else if (is(key, "scale"))
             reals(field, placing.scale), placing.hasTurn = true;
-        else if (key == "matrix")
+        else if (is(key, "matrix"))
             reals(field, placing.matrix), placing.hasMatrix = true;
-        else if (key == "camera")
+        else if (is(key, "camera"))
             node.camera = index(field);
-        else if (key == "extensions")
+        else if (is(key, "extensions"))
             readNodeExtensions(field, node);
     });
     if (placing.hasMatrix && !placing.isAffine())
         refuse(numbered("nodes", place_.index) + ".matrix is not affine");
-    if (placing.hasMatrix)
-        node.local = fromMatrix(placing.matrix);
-    else if (placing.hasTurn)
-        node.local = fromParts(placing.translation, placing.rotation, placing.scale);
-    else
-        std::copy_n(placing.translation.begin(), 3, &node.local.m[9]);
-    if (!isFinite(node.local))
-        refuse(numbered("nodes", place_.index) + " has a placement that is not finite");
+    if (placing.hasMatrix || placing.hasTurn) {
+        node.placing = Placing::kAffine;
+        node.placingIndex = static_cast<std::uint32_t>(records_.affines.size());
+        records_.affines.push_back(placing.affine());
+    } else if (placing.hasTranslation) {
+        node.placing = Placing::kTranslation;
+        node.placingIndex = static_cast<std::uint32_t>(records_.translations.size());
+        records_.translations.push_back(placing.translation);
+    }
 }
 
 void Reading::readNodeExtensions(od::value value, NodeRecord& node)
 {
     eachField(value, [&](std::string_view key, od::value extension) {
-        if (key != "KHR_lights_punctual")
+        if (!is(key, "KHR_lights_punctual"))
             return;
         eachField(extension, [&](std::string_view inner, od::value light) {
-            if (inner == "light")
+            if (is(inner, "light"))
                 node.light = index(light);
         });
     });
@@ -419,9 +468,9 @@ void Reading::readMesh(od::value value, MeshRecord& mesh)
     if (place_.index == 0)
         records_.primitives.clear();
     eachField(value, [&](std::string_view key, od::value field) {
-        if (key == "name")
+        if (is(key, "name"))
             mesh.name = text(field);
-        else if (key == "primitives") {
+        else if (is(key, "primitives")) {
             mesh.firstPrimitive = static_cast<std::uint32_t>(records_.primitives.size());
             eachElement(field, [&](od::value element) {
                 readPrimitive(element, records_.primitives.emplace_back());
@@ -435,13 +484,13 @@ void Reading::readMesh(od::value value, MeshRecord& mesh)
 void Reading::readPrimitive(od::value value, PrimitiveRecord& primitive)
 {
     eachField(value, [&](std::string_view key, od::value field) {
-        if (key == "attributes")
+        if (is(key, "attributes"))
             readAttributes(field, primitive);
-        else if (key == "indices")
+        else if (is(key, "indices"))
             primitive.indices = index(field);
-        else if (key == "material")
+        else if (is(key, "material"))
             primitive.material = index(field);
-        else if (key == "mode")
+        else if (is(key, "mode"))
             primitive.mode = index(field);
     });
     if (primitive.mode > kTriangleFan)
@@ -453,9 +502,9 @@ void Reading::readAttributes(od::value value, PrimitiveRecord& primitive)
 {
     constexpr std::string_view kTexCoord = "TEXCOORD_";
     eachField(value, [&](std::string_view key, od::value field) {
-        if (key == "POSITION")
+        if (is(key, "POSITION"))
             primitive.position = index(field);
-        else if (key == "NORMAL")
+        else if (is(key, "NORMAL"))
             primitive.normal = index(field);
         else if (key.size() == kTexCoord.size() + 1 && key.substr(0, kTexCoord.size()) == kTexCoord) {
             const int set = key.back() - '0';
@@ -477,19 +526,19 @@ ElementType elementType(std::string_view name)
 void Reading::readAccessor(od::value value, AccessorRecord& accessor)
 {
     eachField(value, [&](std::string_view key, od::value field) {
-        if (key == "bufferView")
+        if (is(key, "bufferView"))
             accessor.view = index(field);
-        else if (key == "byteOffset")
+        else if (is(key, "byteOffset"))
             accessor.offset = whole(field);
-        else if (key == "count")
+        else if (is(key, "count"))
             accessor.count = whole(field);
-        else if (key == "componentType")
+        else if (is(key, "componentType"))
             accessor.componentType = index(field);
-        else if (key == "type")
+        else if (is(key, "type"))
             accessor.type = elementType(text(field));
-        else if (key == "normalized")
+        else if (is(key, "normalized"))
             accessor.normalized = field.get_bool();
-        else if (key == "sparse") {
+        else if (is(key, "sparse")) {
             accessor.isSparse = true;
             readSparse(field, accessor.sparse);
         }
@@ -499,22 +548,22 @@ void Reading::readAccessor(od::value value, AccessorRecord& accessor)
 void Reading::readSparse(od::value value, SparseRecord& sparse)
 {
     eachField(value, [&](std::string_view key, od::value field) {
-        if (key == "count")
+        if (is(key, "count"))
             sparse.count = whole(field);
-        else if (key == "indices")
+        else if (is(key, "indices"))
             eachField(field, [&](std::string_view inner, od::value detail) {
-                if (inner == "bufferView")
+                if (is(inner, "bufferView"))
                     sparse.indexView = index(detail);
-                else if (inner == "byteOffset")
+                else if (is(inner, "byteOffset"))
                     sparse.indexOffset = whole(detail);
-                else if (inner == "componentType")
+                else if (is(inner, "componentType"))
                     sparse.indexType = index(detail);
             });
-        else if (key == "values")
+        else if (is(key, "values"))
             eachField(field, [&](std::string_view inner, od::value detail) {
-                if (inner == "bufferView")
+                if (is(inner, "bufferView"))
                     sparse.valueView = index(detail);
-                else if (inner == "byteOffset")
+                else if (is(inner, "byteOffset"))
                     sparse.valueOffset = whole(detail);
             });
     });
@@ -523,13 +572,13 @@ void Reading::readSparse(od::value value, SparseRecord& sparse)
 void Reading::readView(od::value value, ViewRecord& view)
 {
     eachField(value, [&](std::string_view key, od::value field) {
-        if (key == "buffer")
+        if (is(key, "buffer"))
             view.buffer = index(field);
-        else if (key == "byteOffset")
+        else if (is(key, "byteOffset"))
             view.offset = whole(field);
-        else if (key == "byteLength")
+        else if (is(key, "byteLength"))
             view.length = whole(field);
-        else if (key == "byteStride")
+        else if (is(key, "byteStride"))
             view.stride = whole(field);
     });
 }
@@ -537,10 +586,10 @@ void Reading::readView(od::value value, ViewRecord& view)
 void Reading::readBuffer(od::value value, BufferRecord& buffer)
 {
     eachField(value, [&](std::string_view key, od::value field) {
-        if (key == "uri") {
+        if (is(key, "uri")) {
             buffer.uri = text(field);
             buffer.hasUri = true;
-        } else if (key == "byteLength")
+        } else if (is(key, "byteLength"))
             buffer.length = whole(field);
     });
 }
@@ -548,17 +597,17 @@ void Reading::readBuffer(od::value value, BufferRecord& buffer)
 void Reading::readMaterial(od::value value, MaterialRecord& material)
 {
     eachField(value, [&](std::string_view key, od::value field) {
-        if (key == "name")
+        if (is(key, "name"))
             material.name = text(field);
-        else if (key == "pbrMetallicRoughness")
+        else if (is(key, "pbrMetallicRoughness"))
             readMetallic(field, material);
-        else if (key == "emissiveFactor")
+        else if (is(key, "emissiveFactor"))
             reals(field, material.emission);
-        else if (key == "alphaCutoff")
+        else if (is(key, "alphaCutoff"))
             material.alphaCutoff = real(field);
-        else if (key == "extensions")
+        else if (is(key, "extensions"))
             readMaterialExtensions(field, material);
-        else if (key == "alphaMode") {
+        else if (is(key, "alphaMode")) {
             const std::string_view mode = text(field);
             material.alphaMode = mode == "BLEND"  ? AlphaMode::kBlend
                                  : mode == "MASK" ? AlphaMode::kMask
@@ -570,13 +619,13 @@ void Reading::readMaterial(od::value value, MaterialRecord& material)
 void Reading::readMetallic(od::value value, MaterialRecord& material)
 {
     eachField(value, [&](std::string_view key, od::value field) {
-        if (key == "baseColorFactor")
+        if (is(key, "baseColorFactor"))
             reals(field, material.baseColour);
-        else if (key == "baseColorTexture")
+        else if (is(key, "baseColorTexture"))
             readTextureUse(field, material.baseTexture);
-        else if (key == "metallicFactor")
+        else if (is(key, "metallicFactor"))
             material.metallic = real(field);
-        else if (key == "roughnessFactor")
+        else if (is(key, "roughnessFactor"))
             material.roughness = real(field);
     });
 }
@@ -584,18 +633,18 @@ void Reading::readMetallic(od::value value, MaterialRecord& material)
 void Reading::readMaterialExtensions(od::value value, MaterialRecord& material)
 {
     eachField(value, [&](std::string_view key, od::value extension) {
-        if (key == "KHR_materials_unlit")
+        if (is(key, "KHR_materials_unlit"))
             material.unlit = true;
-        else if (key == "KHR_materials_pbrSpecularGlossiness")
+        else if (is(key, "KHR_materials_pbrSpecularGlossiness"))
             readGlossy(extension, material);
-        else if (key == "KHR_materials_emissive_strength")
+        else if (is(key, "KHR_materials_emissive_strength"))
             eachField(extension, [&](std::string_view inner, od::value field) {
-                if (inner == "emissiveStrength")
+                if (is(inner, "emissiveStrength"))
                     material.emissionStrength = real(field);
             });
-        else if (key == "KHR_materials_transmission")
+        else if (is(key, "KHR_materials_transmission"))
             eachField(extension, [&](std::string_view inner, od::value field) {
-                if (inner == "transmissionFactor")
+                if (is(inner, "transmissionFactor"))
                     material.transmission = real(field);
             });
     });
@@ -605,13 +654,13 @@ void Reading::readGlossy(od::value value, MaterialRecord& material)
 {
     material.isSpecularGlossy = true;
     eachField(value, [&](std::string_view key, od::value field) {
-        if (key == "diffuseFactor")
+        if (is(key, "diffuseFactor"))
             reals(field, material.diffuseColour);
-        else if (key == "diffuseTexture")
+        else if (is(key, "diffuseTexture"))
             readTextureUse(field, material.diffuseTexture);
-        else if (key == "specularFactor")
+        else if (is(key, "specularFactor"))
             reals(field, material.specularColour);
-        else if (key == "glossinessFactor")
+        else if (is(key, "glossinessFactor"))
             material.glossiness = real(field);
     });
 }
@@ -620,13 +669,13 @@ void Reading::readTextureUse(od::value value, TextureUse& use)
 {
     std::int32_t transformed = kNone;
     eachField(value, [&](std::string_view key, od::value field) {
-        if (key == "index")
+        if (is(key, "index"))
             use.texture = index(field);
-        else if (key == "texCoord")
+        else if (is(key, "texCoord"))
             use.texCoord = index(field);
-        else if (key == "extensions")
+        else if (is(key, "extensions"))
             eachField(field, [&](std::string_view inner, od::value extension) {
-                if (inner != "KHR_texture_transform")
+                if (!is(inner, "KHR_texture_transform"))
                     return;
                 TextureUse transform;
                 transform.texCoord = kNone;
@@ -644,13 +693,13 @@ void Reading::readTextureUse(od::value value, TextureUse& use)
 void Reading::readTextureTransform(od::value value, TextureUse& use)
 {
     eachField(value, [&](std::string_view key, od::value field) {
-        if (key == "offset")
+        if (is(key, "offset"))
             reals(field, use.offset);
-        else if (key == "rotation")
+        else if (is(key, "rotation"))
             use.rotation = real(field);
-        else if (key == "scale")
+        else if (is(key, "scale"))
             reals(field, use.scale);
-        else if (key == "texCoord")
+        else if (is(key, "texCoord"))
             use.texCoord = index(field);
     });
 }
@@ -659,7 +708,7 @@ void Reading::readTexture(od::value value, std::int32_t& image)
 {
     image = kNone;
     eachField(value, [&](std::string_view key, od::value field) {
-        if (key == "source")
+        if (is(key, "source"))
             image = index(field);
     });
 }
@@ -667,10 +716,10 @@ void Reading::readTexture(od::value value, std::int32_t& image)
 void Reading::readImage(od::value value, ImageRecord& image)
 {
     eachField(value, [&](std::string_view key, od::value field) {
-        if (key == "uri") {
+        if (is(key, "uri")) {
             image.uri = text(field);
             image.hasUri = true;
-        } else if (key == "bufferView")
+        } else if (is(key, "bufferView"))
             image.view = index(field);
     });
 }
@@ -678,19 +727,19 @@ void Reading::readImage(od::value value, ImageRecord& image)
 void Reading::readLight(od::value value, LightRecord& light)
 {
     eachField(value, [&](std::string_view key, od::value field) {
-        if (key == "type") {
+        if (is(key, "type")) {
             const std::string_view kind = text(field);
             light.kind = kind == "directional" ? LightKind::kDirectional
                          : kind == "point"     ? LightKind::kPoint
                          : kind == "spot"      ? LightKind::kSpot
                                                : LightKind::kUnknown;
-        } else if (key == "color")
+        } else if (is(key, "color"))
             reals(field, light.colour);
-        else if (key == "intensity")
+        else if (is(key, "intensity"))
             light.intensity = real(field);
-        else if (key == "range")
+        else if (is(key, "range"))
             light.range = real(field);
-        else if (key == "spot")
+        else if (is(key, "spot"))
             readSpot(field, light);
     });
 }
@@ -698,9 +747,9 @@ void Reading::readLight(od::value value, LightRecord& light)
 void Reading::readSpot(od::value value, LightRecord& light)
 {
     eachField(value, [&](std::string_view key, od::value field) {
-        if (key == "innerConeAngle")
+        if (is(key, "innerConeAngle"))
             light.innerCone = real(field);
-        else if (key == "outerConeAngle")
+        else if (is(key, "outerConeAngle"))
             light.outerCone = real(field);
     });
 }
@@ -757,8 +806,10 @@ JsonDocument::JsonDocument(Bytes json, Bytes file) : parser_(std::make_unique<Pa
     } catch (const simdjson::simdjson_error& error) {
         if (error.error() == simdjson::MEMALLOC)
             throw std::bad_alloc();
-        const std::string place = reading.place().text();
-        refuse((place.empty() ? "the JSON" : "the JSON at " + place) + ": " + error.what());
+        std::string reason = "the JSON";
+        if (const std::string place = reading.place().text(); !place.empty())
+            reason.append(" at ").append(place);
+        refuse(reason.append(": ").append(error.what()));
     }
 }
 

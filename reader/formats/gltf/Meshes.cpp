@@ -54,14 +54,15 @@ std::int32_t texCoordSet(const Records& records, std::int32_t material)
                : colourTexture(records.materials[static_cast<std::size_t>(material)]).texCoord;
 }
 
-// An array of at most eight floats for each triangle corner that is left once strips share them.
+// Strips of a good mesh have a vertex a triangle and a few more.
 std::size_t expectedBytes(const Records& records, const GltfDocument& document)
 {
     std::size_t bytes = 0;
     for (std::size_t mesh = 0; mesh < document.parts.size(); ++mesh)
         if (document.parts[mesh])
             eachFace(records, mesh, [&](const PrimitiveRecord& primitive, std::uint32_t) {
-                bytes += elementCount(records, primitive) / 3 * 9 * sizeof(float);
+                const bool hasTexCoords = primitive.texCoords[0] != kNone;
+                bytes += elementCount(records, primitive) / 3 * (hasTexCoords ? 33 : 25);
             });
     return bytes;
 }

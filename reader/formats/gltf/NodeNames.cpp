@@ -25,25 +25,25 @@ std::wstring cleanName(std::wstring name)
 NodeNames::NodeNames(Records& records)
 {
     for (MeshRecord& mesh : records.meshes)
-        clean(mesh.name);
+        mesh.name = cleaned(mesh.name);
     for (std::size_t i = 0; i < records.nodes.size(); ++i) {
         NodeRecord& node = records.nodes[i];
-        if (!node.name.empty())
-            clean(node.name);
+        if (node.nameLength != 0)
+            node.setName(cleaned(node.name()));
         else if (node.mesh != kNone && !records.meshes[static_cast<std::size_t>(node.mesh)].name.empty())
-            node.name = records.meshes[static_cast<std::size_t>(node.mesh)].name;
+            node.setName(records.meshes[static_cast<std::size_t>(node.mesh)].name);
         else
-            node.name = made_.emplace_back("node" + std::to_string(i));
+            node.setName(made_.emplace_back("node" + std::to_string(i)));
     }
 }
 
-void NodeNames::clean(std::string_view& name)
+std::string_view NodeNames::cleaned(std::string_view name)
 {
     if (std::none_of(name.begin(), name.end(), cuts))
-        return;
-    std::string& cleaned = made_.emplace_back(name);
-    std::replace_if(cleaned.begin(), cleaned.end(), cuts, '_');
-    name = cleaned;
+        return name;
+    std::string& result = made_.emplace_back(name);
+    std::replace_if(result.begin(), result.end(), cuts, '_');
+    return result;
 }
 
 // The seed is another in each process, so that nobody can write a document whose names all collide.
@@ -69,7 +69,7 @@ SiblingNumbers::Slot& SiblingNumbers::slotOf(std::string_view name)
 {
     for (std::size_t i = hash(name) & mask_;; i = (i + 1) & mask_) {
         Slot& slot = slots_[i];
-        if (slot.round != round_ || records_.nodes[slot.node].name == name)
+        if (slot.round != round_ || slot.name == name)
             return slot;
     }
 }
@@ -83,9 +83,10 @@ void SiblingNumbers::assign(const std::uint32_t* nodes, std::size_t count)
     }
     ++round_;
     for (std::size_t i = 0; i < count; ++i) {
-        Slot& slot = slotOf(records_.nodes[nodes[i]].name);
+        const std::string_view name = records_.nodes[nodes[i]].name();
+        Slot& slot = slotOf(name);
         if (slot.round != round_)
-            slot = {round_, nodes[i], 0};
+            slot = {name, round_, 0};
         numbers_[nodes[i]] = ++slot.count;
     }
 }

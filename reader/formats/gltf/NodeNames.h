@@ -21,7 +21,7 @@ public:
     explicit NodeNames(Records& records);
 
 private:
-    void clean(std::string_view& name);
+    std::string_view cleaned(std::string_view name);
 
     std::deque<std::string> made_;
 };
@@ -38,8 +38,8 @@ public:
 
 private:
     struct Slot {
+        std::string_view name;
         std::uint32_t round = 0;  ///< The list that the slot belongs to.
-        std::uint32_t node = 0;
         std::uint32_t count = 0;
     };
 

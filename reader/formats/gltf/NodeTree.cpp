@@ -1,3 +1,5 @@
+// Everything here goes up from nodes to their parents, and stops where it was before, so that each step
+// is taken once.
 #include "reader/formats/gltf/NodeTree.h"
 
 #include <string>
@@ -7,51 +9,19 @@
 namespace ovdl::gltf {
 
 NodeTree::NodeTree(const Records& records)
+    : parents_(records.nodes.size(), kNone),
+      flags_(records.nodes.size()),
+      shownMeshes_(records.meshes.size())
 {
     findParents(records);
-    std::vector<std::uint32_t> roots;
-    for (std::size_t i = 0; i < records.nodes.size(); ++i)
-        if (parents_[i] == kNone)
-            roots.push_back(static_cast<std::uint32_t>(i));
-    // With one parent at most for each node, what no root leads to goes round in a circle.
-    const std::vector<std::uint32_t> order = ordered(records, roots);
-    if (order.size() != records.nodes.size())
-        refuse("the nodes form a cycle");
-    top_ = std::move(roots);
     findTop(records);
-    findUseful(records, order);
-    findMeshes(records, records.scene == kNone ? order : ordered(records, top_));
-}
-
-void NodeTree::findUseful(const Records& records, const std::vector<std::uint32_t>& order)
-{
-    useful_.resize(records.nodes.size());
-    for (std::size_t i = order.size(); i-- > 0;) {
-        const NodeRecord& node = records.nodes[order[i]];
-        unsigned char& useful = useful_[order[i]];
-        useful |= node.mesh != kNone ? kMeshBelow : 0;
-        useful |= node.light != kNone || node.camera != kNone ? kOtherBelow : 0;
-        if (parents_[order[i]] != kNone)
-            useful_[static_cast<std::size_t>(parents_[order[i]])] |= useful;
-    }
-}
-
-void NodeTree::findMeshes(const Records& records, const std::vector<std::uint32_t>& scene)
-{
-    shownMeshes_.resize(records.meshes.size());
-    for (const std::uint32_t node : scene) {
-        const std::int32_t mesh = records.nodes[node].mesh;
-        if (mesh == kNone)
-            continue;
-        shownMeshes_[static_cast<std::size_t>(mesh)] = 1;
-        ++meshNodeCount_;
-        lastMeshNode_ = node;
-    }
+    for (std::size_t i = 0; i < records.nodes.size(); ++i)
+        climb(i);
+    findContent(records);
 }
 
 void NodeTree::findParents(const Records& records)
 {
-    parents_.assign(records.nodes.size(), kNone);
     for (std::size_t i = 0; i < records.nodes.size(); ++i) {
         const NodeRecord& node = records.nodes[i];
         for (std::uint32_t c = 0; c < node.childCount; ++c) {
@@ -63,35 +33,74 @@ void NodeTree::findParents(const Records& records)
     }
 }
 
+void NodeTree::addTop(std::uint32_t node)
+{
+    if (parents_[node] != kNone)
+        refuse("the scene names " + numbered("nodes", node) + ", which hangs under another node");
+    if (has(node, kInScene))
+        refuse("the scene names " + numbered("nodes", node) + " twice");
+    flags_[node] |= kInScene;
+    top_.push_back(node);
+}
+
 void NodeTree::findTop(const Records& records)
 {
-    if (records.scene == kNone)
+    if (records.scene == kNone) {
+        for (std::size_t i = 0; i < records.nodes.size(); ++i)
+            if (parents_[i] == kNone)
+                addTop(static_cast<std::uint32_t>(i));
         return;
+    }
     const SceneRecord& scene = records.scenes[static_cast<std::size_t>(records.scene)];
-    const auto* first = records.sceneNodes.data() + scene.firstNode;
-    top_.assign(first, first + scene.nodeCount);
-    std::vector<unsigned char> seen(records.nodes.size());
-    for (const std::uint32_t node : top_) {
-        if (parents_[node] != kNone)
-            refuse("the scene names " + numbered("nodes", node) + ", which hangs under another node");
-        if (seen[node]++ != 0)
-            refuse("the scene names " + numbered("nodes", node) + " twice");
+    for (std::uint32_t n = 0; n < scene.nodeCount; ++n)
+        addTop(records.sceneNodes[scene.firstNode + n]);
+}
+
+// Tells for a node and all above it whether the scene holds them. Who meets itself on the way up goes
+// round in a circle.
+void NodeTree::climb(std::size_t node)
+{
+    std::int32_t at = static_cast<std::int32_t>(node);
+    unsigned char inScene = 0;
+    while (at != kNone && !has(static_cast<std::size_t>(at), kSeen)) {
+        unsigned char& flags = flags_[static_cast<std::size_t>(at)];
+        if ((flags & kOnPath) != 0)
+            refuse("the nodes form a cycle");
+        flags |= kOnPath;
+        inScene = flags & kInScene;
+        at = parents_[static_cast<std::size_t>(at)];
+    }
+    if (at != kNone)
+        inScene = flags_[static_cast<std::size_t>(at)] & kInScene;
+    const std::int32_t end = at;
+    for (at = static_cast<std::int32_t>(node); at != end; at = parents_[static_cast<std::size_t>(at)]) {
+        unsigned char& flags = flags_[static_cast<std::size_t>(at)];
+        flags = static_cast<unsigned char>((flags & ~kOnPath) | kSeen | inScene);
     }
 }
 
-// Every node below `top`, parents before their children.
-std::vector<std::uint32_t> NodeTree::ordered(const Records& records,
-                                             const std::vector<std::uint32_t>& top) const
+void NodeTree::markAbove(std::size_t node, unsigned char flag)
 {
-    std::vector<std::uint32_t> order;
-    order.reserve(records.nodes.size());
-    order = top;
-    for (std::size_t i = 0; i < order.size(); ++i) {
-        const NodeRecord& node = records.nodes[order[i]];
-        const auto* first = records.children.data() + node.firstChild;
-        order.insert(order.end(), first, first + node.childCount);
+    for (auto at = static_cast<std::int32_t>(node); at != kNone && !has(static_cast<std::size_t>(at), flag);
+         at = parents_[static_cast<std::size_t>(at)])
+        flags_[static_cast<std::size_t>(at)] |= flag;
+}
+
+void NodeTree::findContent(const Records& records)
+{
+    for (std::size_t i = 0; i < records.nodes.size(); ++i) {
+        const NodeRecord& node = records.nodes[i];
+        if (node.light != kNone || node.camera != kNone)
+            markAbove(i, kOtherBelow);
+        if (node.mesh == kNone)
+            continue;
+        markAbove(i, kMeshBelow);
+        if (!has(i, kInScene))
+            continue;
+        shownMeshes_[static_cast<std::size_t>(node.mesh)] = 1;
+        ++meshNodeCount_;
+        lastMeshNode_ = static_cast<std::uint32_t>(i);
     }
-    return order;
 }
 
 }  // namespace ovdl::gltf

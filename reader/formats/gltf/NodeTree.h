@@ -1,7 +1,6 @@
-// The nodes of a document as a forest, and the walk through one scene of it.
+// The nodes of a document as a forest, and which of them a scene shows.
 #pragma once
 
-#include <functional>
 #include <vector>
 
 #include "reader/formats/gltf/Records.h"
@@ -18,8 +17,8 @@ public:
     /// The nodes at the top of the document's scene; without a scene, all that have no parent.
     const std::vector<std::uint32_t>& top() const { return top_; }
     /// True when the node or one below it bears a mesh, a light or a camera.
-    bool leadsSomewhere(std::uint32_t node) const { return useful_[node] != 0; }
-    bool leadsToMesh(std::uint32_t node) const { return (useful_[node] & kMeshBelow) != 0; }
+    bool leadsSomewhere(std::uint32_t node) const { return has(node, kMeshBelow | kOtherBelow); }
+    bool leadsToMesh(std::uint32_t node) const { return has(node, kMeshBelow); }
     /// Nodes of the scene that bear a mesh.
     std::size_t meshNodeCount() const { return meshNodeCount_; }
     /// The only such node, when there is one.
@@ -32,16 +31,21 @@ public:
 private:
     static constexpr unsigned char kMeshBelow = 1;
     static constexpr unsigned char kOtherBelow = 2;
+    static constexpr unsigned char kInScene = 4;
+    static constexpr unsigned char kSeen = 8;
+    static constexpr unsigned char kOnPath = 16;
 
+    bool has(std::size_t node, int flags) const { return (flags_[node] & flags) != 0; }
     void findParents(const Records& records);
     void findTop(const Records& records);
-    void findUseful(const Records& records, const std::vector<std::uint32_t>& order);
-    void findMeshes(const Records& records, const std::vector<std::uint32_t>& scene);
-    std::vector<std::uint32_t> ordered(const Records& records, const std::vector<std::uint32_t>& top) const;
+    void addTop(std::uint32_t node);
+    void climb(std::size_t node);
+    void markAbove(std::size_t node, unsigned char flag);
+    void findContent(const Records& records);
 
     std::vector<std::int32_t> parents_;
+    std::vector<unsigned char> flags_;
     std::vector<std::uint32_t> top_;
-    std::vector<unsigned char> useful_;
     std::vector<unsigned char> shownMeshes_;
     std::size_t meshNodeCount_ = 0;
     std::uint32_t lastMeshNode_ = 0;

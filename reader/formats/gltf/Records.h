@@ -79,14 +79,27 @@ struct MeshRecord {
     std::uint32_t primitiveCount = 0;
 };
 
+/// How a node is placed below its parent. Most are only moved, if at all.
+enum class Placing : std::uint8_t { kUnplaced, kTranslation, kAffine };
+
+/// Kept small: a big assembly is mostly nodes.
 struct NodeRecord {
-    std::string_view name;
+    std::string_view name() const { return {nameText, nameLength}; }
+    void setName(std::string_view name)
+    {
+        nameText = name.data();
+        nameLength = static_cast<std::uint32_t>(name.size());
+    }
+
+    const char* nameText = nullptr;
+    std::uint32_t nameLength = 0;
     std::int32_t mesh = kNone;
     std::int32_t camera = kNone;
     std::int32_t light = kNone;
     std::uint32_t firstChild = 0;  ///< Into Records::children.
     std::uint32_t childCount = 0;
-    Affine local;
+    std::uint32_t placingIndex = 0;  ///< Into Records::translations or Records::affines.
+    Placing placing = Placing::kUnplaced;
 };
 
 struct SceneRecord {
@@ -148,6 +161,8 @@ struct Records {
     std::vector<std::uint32_t> sceneNodes;
     std::vector<NodeRecord> nodes;
     std::vector<std::uint32_t> children;
+    std::vector<std::array<double, 3>> translations;
+    std::vector<Affine> affines;
     std::vector<MeshRecord> meshes;
     std::vector<PrimitiveRecord> primitives;
     std::vector<AccessorRecord> accessors;

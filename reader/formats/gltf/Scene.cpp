@@ -13,21 +13,21 @@ namespace {
 
 constexpr std::size_t kNodesAStep = 4096;
 
-mgXform_c toXform(const Affine& world)
+void fillXform(const Affine& world, mgXform_c& xform)
 {
-    mgXform_c result;
-    result.e0 = world.m[0];
-    result.e1 = world.m[1];
-    result.e2 = world.m[2];
-    result.e3 = world.m[3];
-    result.e4 = world.m[4];
-    result.e5 = world.m[5];
-    result.e6 = world.m[6];
-    result.e7 = world.m[7];
-    result.e8 = world.m[8];
-    result.translation = mgVector_c(world.m[9], world.m[10], world.m[11]);
-    result.scale = 1;
-    return result;
+    xform.e0 = world.m[0];
+    xform.e1 = world.m[1];
+    xform.e2 = world.m[2];
+    xform.e3 = world.m[3];
+    xform.e4 = world.m[4];
+    xform.e5 = world.m[5];
+    xform.e6 = world.m[6];
+    xform.e7 = world.m[7];
+    xform.e8 = world.m[8];
+    xform.translation.x = world.m[9];
+    xform.translation.y = world.m[10];
+    xform.translation.z = world.m[11];
+    xform.scale = 1;
 }
 
 // A camera sees the same wherever its node is scaled.
@@ -57,7 +57,7 @@ void SceneWalk::run(const std::wstring& stem)
     decideKind();
     if (!document_.isPart) {
         budget_.charge(tree_.meshNodeCount(), sizeof(uoTempAssemblySHDData_c));
-        document_.makeComponents(tree_.meshNodeCount());
+        document_.reserveComponents(tree_.meshNodeCount());
     }
     const std::vector<std::uint32_t>& top = tree_.top();
     numbers_.assign(top.data(), top.size());
@@ -87,20 +87,29 @@ void SceneWalk::decideKind()
     if (tree_.meshNodeCount() != 1)
         return;
     Affine world;
-    std::uint32_t node = tree_.soleMeshNode();
-    world = records_.nodes[node].local;
-    for (std::int32_t parent = tree_.parent(node); parent != kNone; parent = tree_.parent(node)) {
-        node = static_cast<std::uint32_t>(parent);
-        world = compose(records_.nodes[node].local, world);
+    for (auto node = static_cast<std::int32_t>(tree_.soleMeshNode()); node != kNone;
+         node = tree_.parent(static_cast<std::uint32_t>(node)))
+        world = compose(placed(records_.nodes[static_cast<std::size_t>(node)], Affine()), world);
+    document_.isPart = world == Affine();
+}
+
+Affine SceneWalk::placed(const NodeRecord& node, const Affine& above) const
+{
+    switch (node.placing) {
+    case Placing::kTranslation:
+        return compose(above, records_.translations[node.placingIndex]);
+    case Placing::kAffine:
+        return compose(above, records_.affines[node.placingIndex]);
+    default:
+        return above;
     }
-    document_.isPart = world == Affine{};
 }
 
 void SceneWalk::visit(std::uint32_t index)
 {
     const NodeRecord& node = records_.nodes[index];
     const Level& level = levels_.back();
-    const Affine world = compose(level.world, node.local);
+    const Affine world = placed(node, level.world);
     if (!isFinite(world))
         refuse(numbered("nodes", index) + " stands at a place that is not finite");
     std::size_t nameBegin = 0;
@@ -140,7 +149,7 @@ void SceneWalk::appendToken(const Level& level, std::uint32_t node, std::size_t&
     if (level.pathLength != 0)
         path_ += L'/';
     nameBegin = path_.size();
-    appendName(records_.nodes[node].name);
+    appendName(records_.nodes[node].name());
     nameLength = path_.size() - nameBegin;
     char digits[16];
     const auto written = std::to_chars(digits, digits + sizeof(digits), numbers_[node]);
@@ -187,9 +196,9 @@ void SceneWalk::addComponent(const NodeRecord& node, const Affine& world)
     pathCharacters_ += path_.size();
     if (pathCharacters_ > budget_.pathLimit())
         refuse("the component paths are out of proportion to the file");
-    uoTempAssemblySHDData_c& component = document_.components[componentCount_++];
+    uoTempAssemblySHDData_c& component = document_.addComponent();
     component.name = path_;
-    component.xform = toXform(world);
+    fillXform(world, component.xform);
     component.tessData = &part;
 }
 
@@ -198,7 +207,7 @@ void SceneWalk::addComponent(const NodeRecord& node, const Affine& world)
 void SceneWalk::addView(const Affine& world)
 {
     OVDLDocument& document = document_.shared();
-    document.viewXform = toXform(withoutScale(world));
+    fillXform(withoutScale(world), document.viewXform);
     std::copy_n(&world.m[9], 3, document.viewPoint);
     hasView_ = true;
 }

@@ -39,6 +39,7 @@ private:
     void addComponent(const NodeRecord& node, const Affine& world);
     void addView(const Affine& world);
     void decideKind();
+    Affine placed(const NodeRecord& node, const Affine& above) const;
 
     const Records& records_;
     const NodeTree& tree_;
@@ -49,7 +50,6 @@ private:
     std::vector<Level> levels_;
     std::wstring path_;
     std::wstring stem_;
-    std::size_t componentCount_ = 0;
     std::uint64_t pathCharacters_ = 0;
     std::uint64_t treePathCharacters_ = 0;
     bool hasView_ = false;
