@@ -13,6 +13,10 @@ target_compile_features(raylume_flags INTERFACE cxx_std_20)
 target_include_directories(raylume_flags INTERFACE ${PROJECT_SOURCE_DIR})
 # Contraction to fused multiply-add would change results from one machine to the next.
 target_compile_options(raylume_flags INTERFACE -ffp-contract=off -Wall -Wextra -Wpedantic -Wshadow)
+if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+    # That compiler's optimiser warns of overlapping copies inside its own string class.
+    target_compile_options(raylume_flags INTERFACE -Wno-restrict)
+endif()
 if(RAYLUME_WERROR)
     target_compile_options(raylume_flags INTERFACE -Werror)
 endif()

@@ -1,4 +1,4 @@
-// The loaded model as glTF 2.0 (https://registry.khronos.org/glTF/specs/2.0/glTF-2.0.html).
+// The loaded model as glTF 2.0 (https://www.khronos.org/gltf/).
 #pragma once
 
 #include <cstdint>

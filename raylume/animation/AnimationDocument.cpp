@@ -1,6 +1,6 @@
 #include "raylume/scene/dlModel.h"
 
-// A document without a side file is the normal case: nothing is read, and that is no failure.
+// Side files are not read yet; no side file is no failure either.
 bool dlModel::readAnimationXML(const std::wstring&)
 {
     return true;

@@ -19,6 +19,7 @@
 namespace {
 
 constexpr std::wstring_view kTopComponent = L"Render";
+constexpr std::int32_t kPlacementTag = 1;
 constexpr wchar_t kTopMark[] = L"##TOP##";
 
 // Tessellation and configuration -> the model's part, for one load. Remembers only parts that were
@@ -73,6 +74,7 @@ public:
     void record(const uoTempAssemblySHDData_c& component)
     {
         const auto place = placements_.try_emplace(hint_, component.name);
+        place->second.tag = kPlacementTag;
         component.xform.getGLData(place->second.m);
         hint_ = behind(place);
     }

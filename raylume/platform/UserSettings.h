@@ -3,8 +3,9 @@
 // On this system they come from a text file in the form that a registry editor exports
 // ("Windows Registry Editor Version 5.00"; sections [HKEY_CURRENT_USER\...]; "name"="text",
 // "name"=dword:0000002a, "name"=hex(1):...), at RAYLUME_REGISTRY, else raylume/registry.reg in the
-// user's configuration folder. The file is read on every openKey() below the root, so that a
-// changed setting takes effect on the next call. Key and value names compare without case.
+// user's configuration folder. The file is read by each openCurrentUser(), so that a changed
+// setting takes effect on the next call; keys opened below share what was read. Key and value names
+// compare without case.
 #pragma once
 
 #include <cstddef>
@@ -17,12 +18,12 @@
 
 namespace platform {
 
-inline constexpr std::uint32_t kSettingText = 1;     // REG_SZ
-inline constexpr std::uint32_t kSettingNumber = 4;   // REG_DWORD
+inline constexpr std::uint32_t kSettingText = 1;    // REG_SZ
+inline constexpr std::uint32_t kSettingNumber = 4;  // REG_DWORD
 
 /// What a query found. `bytes` is UTF-16 little endian for texts, with the terminator as stored.
 struct SettingValue {
-    bool found = false;   ///< The query succeeded: the value exists and fits the buffer.
+    bool found = false;  ///< The query succeeded: the value exists and fits the buffer.
     std::uint32_t type = 0;
     std::vector<std::uint8_t> bytes;
 };

@@ -97,6 +97,7 @@ public:
     std::uint32_t documentVersion = 0xFFFFFFFFu;
     dlScene scene;
     bool hasDocumentExtras = false;
+    /// Samples by component name, and under "@CAMERA", "@VIEWPORT" and "@LIGHTS".
     std::map<std::wstring, dlAnimTrackSet> animationTracks;
     /// The placement of every component by its name, of those without an instance too.
     std::map<std::wstring, dlComponentXform> componentXforms;

@@ -2,8 +2,9 @@
 
 #include "raylume/platform/HostProgram.h"
 #include "raylume/platform/Paths.h"
+#include "raylume/services/FolderProbes.h"
+#include "raylume/services/HostPaths.h"
 #include "raylume/services/Registry.h"
-#include "raylume/services/Shell.h"
 
 std::wstring g_dataDir;
 

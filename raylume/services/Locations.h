@@ -16,11 +16,3 @@ DL_API bool rlu_useDefaultShaderForCorruptR2M();
 /// The path of the file system, in UTF-8, that a path of a record means: records keep "\" and the
 /// letter case of the document. A host that opens `texture.filename` itself goes through this.
 DL_API std::string rlu_nativePath(const std::wstring& text);
-
-/// The folder two levels above the host's executable file name.
-std::wstring getHostInstallRoot();
-/// The text before the last "\" or "/"; the text itself when it holds neither.
-std::wstring stripLastPathComponent(const std::wstring& path);
-
-/// The resolved data folder, for rlu_getDataDir alone; tests reset it.
-extern std::wstring g_dataDir;

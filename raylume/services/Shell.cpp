@@ -3,6 +3,7 @@
 #include "raylume/platform/Files.h"
 #include "raylume/platform/Text.h"
 #include "raylume/platform/UserFolders.h"
+#include "raylume/services/FolderProbes.h"
 
 namespace {
 

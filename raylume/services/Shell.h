@@ -1,20 +1,11 @@
-// Folders and files as the shell sees them.
+// Folders of the user.
 #pragma once
 
 #include <string>
 
 #include "raylume/platform/Export.h"
 
-/// The path goes through the ANSI code page, so one that it cannot represent is false.
-bool isExistingDirectory(const std::wstring& path);
-/// True for anything that exists and is no folder. The path goes through the ANSI code page.
-bool isExistingFile(const std::wstring& path);
-
 /// Stores the folder of custom views, with a trailing separator, and makes it with its parents as
 /// needed. 1 on success. 0 with the destination untouched when the first folder fails, and with the
 /// path as far as it was built when a later one does.
 DL_API int rlu_getRLCustomViewsFolder(std::wstring* folder);
-
-/// Stores the render engine's per-user folder, with a trailing separator, whether or not it could be
-/// made. Nothing is stored when the user has no application data folder.
-void getRenderEngineUserFolder(std::wstring* folder);

@@ -12,7 +12,7 @@
 #include "raylume/load/ReaderInterface.h"
 #include "raylume/platform/Text.h"
 #include "raylume/scene/dlMaterial.h"
-#include "raylume/services/Locations.h"
+#include "raylume/services/HostPaths.h"
 #include "tests/appearance/AppearanceSource.h"
 #include "tests/recording_reader/RecordingReader.h"
 

@@ -8,7 +8,7 @@
 #include <string>
 
 #include "raylume/load/ReaderInterface.h"
-#include "raylume/services/Locations.h"
+#include "raylume/services/HostPaths.h"
 #include "tests/platform/ScopedEnvironment.h"
 #include "tests/recording_reader/RecordingReader.h"
 

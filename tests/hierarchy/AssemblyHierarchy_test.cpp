@@ -263,8 +263,7 @@ TEST(PartNames, ConfigurationGoesThroughTheCodePage)
     EXPECT_EQ(assembly.parts[0]->name, "<\xEF\xBF\xBD$#$>a");
 }
 
-// In code page 932 the second byte of a character may be any of these; "/" is none of them.
-TEST(PartNames, QuotesAreFoundAsCharactersNotAsBytes)
+TEST(PartNames, ConfigurationInAnotherCodePageIsKept)
 {
     ASSERT_TRUE(platform::setAnsiCodePage(932));
     Assembly assembly({{"a-1@t", 0, "\x83\x5C\"\x83\x5C"}});
@@ -393,12 +392,12 @@ TEST(ModelBox, IsBuiltFromEightTransformedCorners)
 
 TEST(ModelBox, EveryCornerCounts)
 {
-    // x' = x + y + z - 1.25 over the unit cube: a corner that is missing moves one end at least.
     for (int corner = 0; corner < 8; ++corner) {
         Assembly assembly({{"a-1@t"}});
+        // x' is largest at that corner and smallest at the opposite one.
         float* m = assembly.model.instances[0].xform.m;
         for (int axis = 0; axis < 3; ++axis) {
-            m[4 * axis] = (corner >> axis & 1) ? 1.0f : -1.0f;  // x' is largest at that corner.
+            m[4 * axis] = (corner >> axis & 1) ? 1.0f : -1.0f;
         }
         assembly.model.createAssemblyHierarchy();
         float largest = 0;
@@ -420,7 +419,8 @@ TEST(ModelBox, LastRowOfThePlacementIsNotUsed)
     EXPECT_THAT(assembly.model.bbox.max, ElementsAre(1.0f, 1.0f, 1.0f));
 }
 
-// In single precision and in this order: (1e8 + 1) - 1e8 is 0 there, and 1 in double precision.
+// (1e8 + 1) - 1e8 is 0 in single precision and 1 in double; (1e8 - 1e8) + 1 is 1 only when x and y are
+// added first.
 TEST(ModelBox, SumsInSinglePrecisionFromXToTheTranslation)
 {
     Assembly assembly({{"a-1@t"}});
@@ -437,9 +437,14 @@ TEST(ModelBox, SumsInSinglePrecisionFromXToTheTranslation)
     m[5] = 0;
     m[9] = 1e8f;
     m[13] = -1e8f;
+    m[2] = 1e8f;
+    m[6] = -1e8f;
+    m[10] = 1;
+    m[14] = 0;
     assembly.model.createAssemblyHierarchy();
     EXPECT_EQ(assembly.model.bbox.max[0], 0.0f);
     EXPECT_EQ(assembly.model.bbox.max[1], 0.0f);
+    EXPECT_EQ(assembly.model.bbox.max[2], 1.0f);
 }
 
 TEST(ModelBox, HoldsAllInstances)

@@ -4,8 +4,12 @@
 
 #include <clocale>
 #include <cmath>
+#include <cstdlib>
 #include <limits>
 #include <string>
+
+#include "tests/platform/ScopedEnvironment.h"
+#include "tests/platform/TemporaryFolder.h"
 
 using namespace std::string_literals;
 
@@ -59,15 +63,19 @@ TEST(NoNumber, LeavesTheValueAlone)
 
 TEST(NumberLocale, IsNeitherUsedNorChanged)
 {
+    const TemporaryFolder folder;
+    const std::string build = "localedef -i de_DE -f UTF-8 '" + (folder / "de_DE.UTF-8") + "'";
+    ASSERT_EQ(std::system(build.c_str()), 0) << "the sources of locales are missing";
+    const ScopedVariable locales("LOCPATH", folder.path());
     const std::string before = std::setlocale(LC_ALL, nullptr);
-    // Where the machine has no such locale the scan is tested under the plain one.
-    const char* const comma = std::setlocale(LC_NUMERIC, "de_DE.UTF-8");
+    ASSERT_STREQ(std::setlocale(LC_NUMERIC, "de_DE.UTF-8"), "de_DE.UTF-8");
+    ASSERT_STREQ(std::localeconv()->decimal_point, ",");
     double value = 0.0;
     EXPECT_TRUE(platform::scanReal(L"1.5", value));
     EXPECT_EQ(value, 1.5);
-    if (comma) {
-        EXPECT_STREQ(std::setlocale(LC_NUMERIC, nullptr), "de_DE.UTF-8");
-    }
+    EXPECT_TRUE(platform::scanReal(L"2,5", value));
+    EXPECT_EQ(value, 2.0);
+    EXPECT_STREQ(std::setlocale(LC_NUMERIC, nullptr), "de_DE.UTF-8");
     std::setlocale(LC_ALL, before.c_str());
 }
 

@@ -132,6 +132,8 @@ TEST_F(NativePath, OfAFileAsAFolderStaysAsWritten)
 TEST_F(NativePath, LeavesADriveAloneWithoutAFolderOfDrives)
 {
     EXPECT_EQ(platform::nativePath(L"q:\\No\\Such"), "q:/No/Such");
+    EXPECT_EQ(platform::nativePath(L"q:\\..\\..\\No"), "q:/No");
+    EXPECT_EQ(platform::nativePath(L"q:No\\..\\Such"), "q:/Such");
 }
 
 struct DriveCase {
@@ -141,14 +143,23 @@ struct DriveCase {
 };
 
 const DriveCase kDriveCases[] = {
-    {"exact", L"c:\\Work\\part.glb", "/c:/Work/part.glb"},
-    {"without_case", L"C:\\WORK\\Part.GLB", "/c:/Work/part.glb"},
-    {"other_separator", L"C:/work/part.glb", "/c:/Work/part.glb"},
-    {"no_separator_behind_the_drive", L"C:work\\part.glb", "/c:/Work/part.glb"},
+    {"exact", L"c:\\Jobs\\part.glb", "/c:/Jobs/part.glb"},
+    {"without_case", L"C:\\JOBS\\Part.GLB", "/c:/Jobs/part.glb"},
+    {"other_separator", L"C:/jobs/part.glb", "/c:/Jobs/part.glb"},
+    {"no_separator_behind_the_drive", L"C:jobs\\part.glb", "/c:/Jobs/part.glb"},
     {"the_drive_alone", L"C:", "/c:"},
     {"its_root", L"C:\\", "/c:/"},
     {"missing_below_the_drive", L"C:\\New\\x", "/c:/New/x"},
     {"unknown_drive", L"E:\\x", "/E:/x"},
+    {"no_way_up_from_the_root", L"C:\\..\\..\\etc\\x", "/c:/etc/x"},
+    {"no_way_up_without_a_separator", L"C:..\\JOBS", "/c:/Jobs"},
+    {"no_way_up_from_below", L"C:\\Jobs\\..\\..\\..\\x", "/c:/x"},
+    {"no_way_up_at_the_end", L"C:\\..", "/c:"},
+    {"no_way_up_from_an_unknown_drive", L"E:\\..\\c:\\Jobs", "/E:/c:/Jobs"},
+    {"no_way_up_past_single_points", L"C:\\Jobs\\.\\..\\..\\x", "/c:/x"},
+    {"way_back_below_the_root", L"C:\\Missing\\..\\JOBS\\part.glb", "/c:/Jobs/part.glb"},
+    {"single_points_go", L"C:\\.\\JOBS\\.\\part.glb", "/c:/Jobs/part.glb"},
+    {"more_points_are_a_name", L"C:\\...\\..x", "/c:/.../..x"},
 };
 
 class DrivePath : public testing::TestWithParam<DriveCase> {};
@@ -156,14 +167,24 @@ class DrivePath : public testing::TestWithParam<DriveCase> {};
 TEST_P(DrivePath, LiesInTheFolderOfDrives)
 {
     const TemporaryFolder drives;
-    drives.makeFolder("c:/Work");
-    drives.write("c:/Work/part.glb", "");
+    drives.makeFolder("c:/Jobs");
+    drives.write("c:/Jobs/part.glb", "");
     const ScopedVariable variable("RAYLUME_DRIVES", drives.path());
     EXPECT_EQ(platform::nativePath(GetParam().text), drives.path() + GetParam().native);
 }
 
 INSTANTIATE_TEST_SUITE_P(Rows, DrivePath, testing::ValuesIn(kDriveCases),
                          [](const auto& row) { return row.param.name; });
+
+// A link within a drive is the user's own doing, but a way back from it is one of the text.
+TEST_F(NativePath, LeadsBackFromALinkByTheTextAlone)
+{
+    folder_.makeFolder("drives/c:/Here");
+    folder_.makeFolder("elsewhere/below");
+    std::filesystem::create_directory_symlink(folder_ / "elsewhere/below", folder_ / "drives/c:/Link");
+    const ScopedVariable variable("RAYLUME_DRIVES", folder_ / "drives");
+    EXPECT_EQ(platform::nativePath(L"C:\\link\\..\\here"), folder_ / "drives/c:/Here");
+}
 
 TEST_F(NativePath, IgnoresTheFolderOfDrivesForOtherTexts)
 {

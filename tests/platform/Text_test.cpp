@@ -5,6 +5,7 @@
 #include <clocale>
 #include <cstdlib>
 #include <string>
+#include <thread>
 
 #include "tests/platform/ScopedCodePage.h"
 #include "tests/platform/ScopedEnvironment.h"
@@ -247,6 +248,40 @@ TEST(CodePageSetting, ConvertsLongTextsWhole)
     EXPECT_EQ(bytes.size(), 200002u);
     EXPECT_EQ(platform::widen(bytes), text);
     EXPECT_EQ(platform::narrow(std::wstring(5000, L'\U0001F600')), std::string(10000, '?'));
+}
+
+// Such an object goes after the thread's own ones, and with them the converter that it kept.
+class ConvertsInItsDestructor {
+public:
+    ~ConvertsInItsDestructor()
+    {
+        if (platform::widen("\x93\xFA") != L"\u65E5" || platform::narrow(L"\u672C") != "\x96\x7B") {
+            std::_Exit(1);
+        }
+    }
+};
+
+void endWithAConversion()
+{
+    static const ConvertsInItsDestructor last;
+    platform::setAnsiCodePage(932);
+    std::exit(platform::narrow(L"\u65E5") == "\x93\xFA" ? 0 : 2);
+}
+
+TEST(CodePageSetting, HoldsWhileObjectsOfStaticLifeGo)
+{
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(endWithAConversion(), testing::ExitedWithCode(0), "");
+}
+
+TEST(CodePageSetting, HoldsInEachThread)
+{
+    const ScopedCodePage page(932);
+    EXPECT_EQ(platform::widen("\x93\xFA"), L"\u65E5");
+    std::wstring text;
+    std::thread([&text] { text = platform::widen("\x96\x7B"); }).join();
+    EXPECT_EQ(text, L"\u672C");
+    EXPECT_EQ(platform::widen("\x93\xFA"), L"\u65E5");
 }
 
 // The variable counts before the first conversion only, so each row looks at a process of its own.

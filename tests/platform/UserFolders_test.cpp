@@ -40,6 +40,7 @@ TEST_F(ApplicationData, LiesInTheHomeOtherwiseAndIsMade)
 TEST_F(ApplicationData, IgnoresARelativeVariable)
 {
     EXPECT_EQ(folderFor("data", folder_.path()), folder_.wide() + L"/.local/share");
+    EXPECT_EQ(folderFor(std::nullopt, "home"), std::nullopt);
 }
 
 TEST_F(ApplicationData, IsNothingWithoutAHome)

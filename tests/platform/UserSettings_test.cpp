@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -317,6 +318,70 @@ TEST_F(UserSettings, LieInTheConfigurationFolder)
     EXPECT_EQ(text(L"v"), L"home");
     const ScopedVariable noHome("HOME", std::nullopt);
     EXPECT_FALSE(opens(L"Software"));
+}
+
+struct LocationCase {
+    const char* name;
+    // Each one below the folder of the test, but for those that are relative or empty.
+    const char* registry;
+    const char* configuration;
+    const char* home;
+    const wchar_t* found;
+};
+
+const LocationCase kLocationCases[] = {
+    {"the_file_that_is_named", "/r.reg", "/config", "/home", L"named"},
+    {"an_empty_name_counts_as_unset", "", "/config", "/home", L"config"},
+    {"a_missing_file_that_is_named_is_not_made_up_for", "/missing.reg", "/config", "/home", L"<none>"},
+    {"a_separator_behind_the_folder", "", "/config//", "/home", L"config"},
+    {"a_relative_configuration_folder_counts_as_unset", "", "config", "/home", L"home"},
+    {"an_empty_configuration_folder_counts_as_unset", "", "", "/home", L"home"},
+    {"a_relative_home_counts_as_unset", "", "", "home", L"<none>"},
+    {"an_empty_home_counts_as_unset", "", "", "", L"<none>"},
+};
+
+class SettingsLocation : public UserSettings, public testing::WithParamInterface<LocationCase> {
+protected:
+    // The folder is the current one meanwhile, so that relative paths would lead to files too.
+    SettingsLocation() { std::filesystem::current_path(folder_.path()); }
+    ~SettingsLocation() override { std::filesystem::current_path(old_); }
+
+    std::string placed(const std::string& path) const
+    {
+        return path.substr(0, 1) == "/" ? folder_.path() + path : path;
+    }
+
+    void writeAt(const std::string& path, const std::string& content) const
+    {
+        folder_.makeFolder(std::filesystem::path(path).parent_path());
+        folder_.write(path, "[HKCU\\Software\\A]\n\"v\"=\"" + content + "\"\n");
+    }
+
+private:
+    std::filesystem::path old_ = std::filesystem::current_path();
+};
+
+TEST_P(SettingsLocation, IsDecidedByTheEnvironment)
+{
+    writeAt("r.reg", "named");
+    writeAt("config/raylume/registry.reg", "config");
+    writeAt("home/.config/raylume/registry.reg", "home");
+    const ScopedVariable registry("RAYLUME_REGISTRY", placed(GetParam().registry));
+    const ScopedVariable configuration("XDG_CONFIG_HOME", placed(GetParam().configuration));
+    const ScopedVariable home("HOME", placed(GetParam().home));
+    EXPECT_EQ(text(L"v"), GetParam().found);
+}
+
+INSTANTIATE_TEST_SUITE_P(Rows, SettingsLocation, testing::ValuesIn(kLocationCases),
+                         [](const auto& row) { return row.param.name; });
+
+TEST_F(UserSettings, AreNothingInAFileThatIsTooLarge)
+{
+    writeBody("[HKCU\\Software\\A]\r\n");
+    std::filesystem::resize_file(folder_ / "settings.reg", std::uintmax_t{63} << 20);
+    EXPECT_TRUE(opens(L"Software\\A"));
+    std::filesystem::resize_file(folder_ / "settings.reg", std::uintmax_t{65} << 20);
+    EXPECT_FALSE(opens(L"Software\\A"));
 }
 
 TEST_F(UserSettings, ManyPiecesOfOneValueAreFoundInTime)

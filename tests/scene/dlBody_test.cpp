@@ -4,7 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <string>
 #include <type_traits>
+#include <vector>
 
 #include "raylume/scene/dlMaterial.h"
 #include "tests/scene/CountingDecal.h"
@@ -82,8 +84,10 @@ TEST(Body, AssignmentSharesEverythingAndFreesNothing)
     dlBody source;
     fill(source);
     dlBody target;
-    const std::unique_ptr<dlFace[]> orphan(target.faces = new dlFace[1]);
-    orphan[0].addDecal(new CountingDecal(gone, "orphan"));
+    const std::unique_ptr<dlFace[]> orphanedFaces(target.faces = new dlFace[1]);
+    orphanedFaces[0].addDecal(new CountingDecal(gone, "of the face"));
+    const std::unique_ptr<dlMaterial> orphanedMaterial(target.material = new dlMaterial);
+    orphanedMaterial->addDecals(new CountingDecal(gone, "of the material"));
     target = source;
     expectShared(target, source);
     EXPECT_THAT(gone, IsEmpty());

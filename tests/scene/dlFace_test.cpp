@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "raylume/scene/dlMaterial.h"
 #include "tests/scene/CountingDecal.h"
@@ -149,19 +151,46 @@ TEST(Face, CopyConstructorSharesEverything)
     letGo(copy);
 }
 
+// What a face has behind its pointers before it is overwritten. Frees it in the end: an array that is
+// gone by then is freed twice, which ends the test.
+struct Orphans {
+    explicit Orphans(std::vector<std::string>& gone)
+        : decal(std::make_unique<CountingDecal>(gone, "of the face"))
+    {
+        material->addDecals(new CountingDecal(gone, "of the material"));
+    }
+
+    void hangOn(dlFace& face) const
+    {
+        face.vertices = vertices.get();
+        face.uvs = uvs.get();
+        face.stripStarts = stripStarts.get();
+        face.stripLengths = stripLengths.get();
+        face.projectedUVs = projectedUVs.get();
+        face.material = material.get();
+        face.addDecal(decal.get());
+    }
+
+    std::unique_ptr<float[]> vertices = std::make_unique<float[]>(6);
+    std::unique_ptr<float[]> uvs = std::make_unique<float[]>(2);
+    std::unique_ptr<std::int32_t[]> stripStarts = std::make_unique<std::int32_t[]>(1);
+    std::unique_ptr<std::int32_t[]> stripLengths = std::make_unique<std::int32_t[]>(1);
+    std::unique_ptr<float[]> projectedUVs = std::make_unique<float[]>(2);
+    std::unique_ptr<dlMaterial> material = std::make_unique<dlMaterial>();
+    std::unique_ptr<CountingDecal> decal;
+};
+
 TEST(Face, AssignmentSharesEverythingAndFreesNothing)
 {
     std::vector<std::string> gone;
     dlFace source;
     fill(source);
     dlFace target;
-    const std::unique_ptr<float[]> orphanedArray(target.vertices = new float[6]());
-    const auto orphanedDecal = std::make_unique<CountingDecal>(gone, "orphan");
-    target.addDecal(orphanedDecal.get());
+    const Orphans orphans(gone);
+    orphans.hangOn(target);
     target = source;
     expectShared(target, source);
     EXPECT_THAT(gone, IsEmpty());
-    orphanedArray[0] = 1.0f;
     letGo(target);
 }
 

@@ -3,8 +3,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <map>
 #include <memory>
+#include <string>
 #include <type_traits>
+#include <vector>
 
 #include "tests/scene/CountingDecal.h"
 
@@ -17,6 +20,24 @@ using testing::IsEmpty;
 static_assert(std::is_same_v<decltype(dlModel::viewScale), double>);
 static_assert(std::is_same_v<decltype(dlModel::documentVersion), std::uint32_t>);
 static_assert(std::extent_v<decltype(dlModel::lights)> == 99);
+static_assert(std::is_same_v<decltype(dlModel::parts), std::map<void*, std::map<int, dlPart*>>>);
+static_assert(std::is_same_v<decltype(dlModel::animationTracks), std::map<std::wstring, dlAnimTrackSet>>);
+static_assert(std::is_same_v<decltype(dlModel::componentXforms), std::map<std::wstring, dlComponentXform>>);
+static_assert(std::is_same_v<decltype(dlComponentXform::m), double[16]>);
+
+template <typename Key>
+using ByTime = std::map<double, Key>;
+static_assert(std::is_same_v<decltype(dlAnimTrackSet::visualTransforms), ByTime<dlVisualTransformKey>>);
+static_assert(std::is_same_v<decltype(dlAnimTrackSet::transforms), ByTime<dlTransformKey>>);
+static_assert(std::is_same_v<decltype(dlAnimTrackSet::viewKeys), ByTime<dlViewKey>>);
+static_assert(std::is_same_v<decltype(dlAnimTrackSet::visualStates), ByTime<dlVisualStateKey>>);
+static_assert(
+    std::is_same_v<decltype(dlAnimTrackSet::lightTracks), std::map<std::int32_t, ByTime<dlLightKey>>>);
+static_assert(std::is_same_v<decltype(dlVisualTransformKey::nullVizprop), bool>);
+static_assert(std::is_same_v<decltype(dlLightKey::red), double>);
+static_assert(std::is_same_v<decltype(dlLightKey::sunTime), float>);
+static_assert(std::is_same_v<decltype(dlLightKey::sunDay), float>);
+static_assert(std::is_same_v<decltype(dlLightKey::sunHaze), float>);
 
 void* key(std::uintptr_t address)
 {
@@ -56,6 +77,27 @@ TEST(Model, ComponentPlacementStartsAsTheIdentity)
     for (int i = 0; i < 16; ++i) {
         EXPECT_EQ(placement.m[i], i % 5 == 0 ? 1.0 : 0.0);
     }
+}
+
+template <typename Map>
+std::vector<std::wstring> keysOf(const Map& map)
+{
+    std::vector<std::wstring> keys;
+    for (const auto& [name, value] : map) {
+        keys.push_back(name);
+    }
+    return keys;
+}
+
+TEST(Model, ComponentNamesAreInCaseSensitiveOrder)
+{
+    dlModel model;
+    for (const wchar_t* name : {L"b", L"B", L"a"}) {
+        model.animationTracks[name];
+        model.componentXforms[name];
+    }
+    EXPECT_THAT(keysOf(model.animationTracks), ElementsAre(L"B", L"a", L"b"));
+    EXPECT_THAT(keysOf(model.componentXforms), ElementsAre(L"B", L"a", L"b"));
 }
 
 TEST(ModelParts, UnknownKeysGiveNullAndCreateNothing)
@@ -115,7 +157,8 @@ TEST(ModelParts, AllPartsComeByAddressThenByConfiguration)
     EXPECT_EQ(all[4], parts[0]);
 }
 
-TEST(Model, DestructorDeletesPartsThenInstancesThenTheTree)
+// Nodes tell nobody when they go: a tree left behind shows under the sanitizer.
+TEST(Model, DestructorDeletesPartsThenInstances)
 {
     std::vector<std::string> gone;
     {
@@ -254,21 +297,56 @@ TEST(Model, SelfAssignmentKeepsEverything)
     EXPECT_NE(model.getDLPart(key(1), 13), nullptr);
 }
 
-TEST(AnimationKeys, Defaults)
+TEST(AnimationKeys, AppearanceDefaults)
 {
-    EXPECT_EQ(dlVisualTransformKey().interpolateMode, 1);
-    EXPECT_FALSE(dlVisualTransformKey().nullVizprop);
-    EXPECT_EQ(dlVisualTransformKey().red, 0);
-    EXPECT_EQ(dlTransformKey().interpolateMode, 1);
-    EXPECT_THAT(dlTransformKey().matrix, Each(0.0));
-    EXPECT_EQ(dlVisualStateKey().interpolateMode, 1);
-    EXPECT_EQ(dlVisualStateKey().componentVisibility, 0);
-    EXPECT_EQ(dlViewKey().interpolateMode, 1);
-    EXPECT_EQ(dlViewKey().focalLength, 0);
-    EXPECT_EQ(dlLightKey().interpolateMode, 1);
-    EXPECT_EQ(dlLightKey().lightId, -1);
-    EXPECT_EQ(dlLightKey().lightType, -1);
-    EXPECT_EQ(dlLightKey().sunHaze, 0);
+    const dlVisualTransformKey sample;
+    EXPECT_EQ(sample.interpolateMode, 1);
+    EXPECT_EQ(sample.red, 0.0);
+    EXPECT_EQ(sample.green, 0.0);
+    EXPECT_EQ(sample.blue, 0.0);
+    EXPECT_EQ(sample.transparency, 0.0);
+    EXPECT_FALSE(sample.nullVizprop);
+}
+
+TEST(AnimationKeys, PlacementDefaults)
+{
+    const dlTransformKey sample;
+    EXPECT_EQ(sample.interpolateMode, 1);
+    EXPECT_THAT(sample.matrix, Each(0.0));
+}
+
+TEST(AnimationKeys, VisibilityDefaults)
+{
+    const dlVisualStateKey sample;
+    EXPECT_EQ(sample.interpolateMode, 1);
+    EXPECT_EQ(sample.componentVisibility, 0);
+}
+
+TEST(AnimationKeys, ViewDefaults)
+{
+    const dlViewKey sample;
+    EXPECT_EQ(sample.interpolateMode, 1);
+    EXPECT_THAT(sample.modelView, Each(0.0));
+    EXPECT_THAT(sample.position, Each(0.0));
+    EXPECT_EQ(sample.focalDistance, 0.0);
+    EXPECT_EQ(sample.focalLength, 0.0);
+}
+
+TEST(AnimationKeys, LightDefaults)
+{
+    const dlLightKey sample;
+    EXPECT_EQ(sample.interpolateMode, 1);
+    EXPECT_EQ(sample.lightId, -1);
+    EXPECT_EQ(sample.lightType, -1);
+    EXPECT_EQ(sample.enabledInRL, 0);
+    EXPECT_EQ(sample.red, 0.0);
+    EXPECT_EQ(sample.green, 0.0);
+    EXPECT_EQ(sample.blue, 0.0);
+    EXPECT_THAT(sample.position, Each(0.0));
+    EXPECT_THAT(sample.rotation, Each(0.0));
+    EXPECT_EQ(sample.sunTime, 0.0f);
+    EXPECT_EQ(sample.sunDay, 0.0f);
+    EXPECT_EQ(sample.sunHaze, 0.0f);
 }
 
 }  // namespace

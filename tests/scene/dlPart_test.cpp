@@ -184,6 +184,25 @@ TEST(PartGroups, NaNGroupsAsTheMapFinds)
     EXPECT_THAT(part.associatedInstances[&broken], ElementsAre(&broken, &other));
 }
 
+// b and plain are equivalent, but the walk from c never meets b.
+TEST(PartGroups, MixedFlagsGroupAsTheMapFinds)
+{
+    dlPart part;
+    dlInstance b, c, d, plain;
+    b.name = "b";
+    c.name = "c";
+    d.name = "d";
+    plain.name = "z";
+    c.hasAppearanceAnimation = d.hasAppearanceAnimation = true;
+    ASSERT_FALSE(dlInstanceLess()(&b, &plain) || dlInstanceLess()(&plain, &b));
+    for (dlInstance* instance : {&b, &c, &d, &plain}) {
+        part.addAssociatedInstance(instance);
+    }
+    EXPECT_EQ(part.associatedInstances.size(), 4u);
+    EXPECT_EQ(part.getAssociatedPersistentID(&plain), 3);
+    EXPECT_EQ(part.getAssociatedItemID(&plain), -1);
+}
+
 TEST(Part, DestructorDeletesBodiesAndLeavesInstances)
 {
     std::vector<std::string> gone;

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "raylume/services/HostPaths.h"
 #include "raylume/services/Locations.h"
 #include "tests/memory_platform/MemoryPlatform.h"
 
@@ -108,6 +109,16 @@ TEST_F(DataFolder, WithoutARootPathsAreCutAtTheSecondBuffer)
     machine().addFolder(L"\\" + std::wstring(510, L'x'));
     EXPECT_EQ(rlu_getDataDir(), L"\\orvwrk\\DATA");
     EXPECT_EQ(machine().probes, std::vector<std::wstring>{L"\\" + std::wstring(510, L'x')});
+}
+
+// The first buffer ends within the first component, so that there is no root, and the second holds
+// the whole path.
+TEST_F(DataFolder, WithoutARootLiesFourLevelsAboveTheExecutable)
+{
+    const std::wstring first = L"\\" + std::wstring(300, L'x');
+    machine().executable = first + L"\\b\\c\\d\\host";
+    machine().addFolder(machine().executable);
+    EXPECT_EQ(rlu_getDataDir(), first + L"\\orvwrk\\DATA");
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <string>
 
+#include "raylume/services/HostPaths.h"
 #include "tests/platform/ScopedCodePage.h"
 #include "tests/platform/ScopedEnvironment.h"
 #include "tests/platform/TemporaryFolder.h"
@@ -47,12 +48,12 @@ protected:
     ~Locations() override { g_dataDir.clear(); }
 
     TemporaryFolder folder_;
-    ScopedVariable host_{"RAYLUME_HOST", folder_ / "work/app/bin/host"};
+    ScopedVariable host_{"RAYLUME_HOST", folder_ / "host/app/bin/host"};
 };
 
 TEST_F(Locations, RootLiesTwoLevelsAboveTheExecutable)
 {
-    EXPECT_EQ(getHostInstallRoot(), folder_.wide() + L"/work/app");
+    EXPECT_EQ(getHostInstallRoot(), folder_.wide() + L"/host/app");
     const ScopedVariable mixed("RAYLUME_HOST", "A\\B/C\\host.exe");
     EXPECT_EQ(getHostInstallRoot(), L"A\\B");
 }
@@ -72,14 +73,14 @@ TEST_F(Locations, RootIsCutFromTheFirst259Characters)
 
 TEST_F(Locations, DataFolderIsJoinedLiterally)
 {
-    folder_.makeFolder("work/app/Data");
-    EXPECT_EQ(rlu_getDataDir(), folder_.wide() + L"/work/app\\Data");
+    folder_.makeFolder("host/app/Data");
+    EXPECT_EQ(rlu_getDataDir(), folder_.wide() + L"/host/app\\Data");
 }
 
 TEST_F(Locations, DataFolderIsFoundWithoutCase)
 {
-    folder_.makeFolder("work/app/data");
-    EXPECT_EQ(rlu_getDataDir(), folder_.wide() + L"/work/app\\Data");
+    folder_.makeFolder("host/app/data");
+    EXPECT_EQ(rlu_getDataDir(), folder_.wide() + L"/host/app\\Data");
 }
 
 TEST_F(Locations, DataFolderMayBeSharedTwoLevelsHigher)
@@ -90,9 +91,9 @@ TEST_F(Locations, DataFolderMayBeSharedTwoLevelsHigher)
 
 TEST_F(Locations, DataFolderIsFinalEvenWhenItGoes)
 {
-    folder_.makeFolder("work/app/Data");
+    folder_.makeFolder("host/app/Data");
     const std::wstring first = rlu_getDataDir();
-    std::filesystem::remove(folder_ / "work/app/Data");
+    std::filesystem::remove(folder_ / "host/app/Data");
     folder_.makeFolder("orvwrk/DATA");
     EXPECT_EQ(rlu_getDataDir(), first);
 }

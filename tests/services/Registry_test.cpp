@@ -185,8 +185,10 @@ TEST_P(RegistryReal, FitsTextOf127CharactersWithItsTerminator)
 TEST_P(RegistryReal, LeavesTheLocaleAlone)
 {
     const std::string before = std::setlocale(LC_ALL, nullptr);
+    ASSERT_STREQ(std::setlocale(LC_ALL, "C.UTF-8"), "C.UTF-8");
     EXPECT_EQ(readIn(quoted("v", "0.5"), GetParam()), 1);
-    EXPECT_EQ(std::setlocale(LC_ALL, nullptr), before);
+    EXPECT_STREQ(std::setlocale(LC_ALL, nullptr), "C.UTF-8");
+    std::setlocale(LC_ALL, before.c_str());
 }
 
 INSTANTIATE_TEST_SUITE_P(Kinds, RegistryReal, testing::Values(1, 3, -1), [](const auto& row) {

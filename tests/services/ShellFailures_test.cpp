@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "raylume/services/FolderProbes.h"
 #include "raylume/services/Shell.h"
 #include "tests/memory_platform/MemoryPlatform.h"
 

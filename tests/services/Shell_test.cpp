@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <string>
 
+#include "raylume/services/FolderProbes.h"
 #include "tests/platform/ScopedCodePage.h"
 #include "tests/platform/ScopedEnvironment.h"
 #include "tests/platform/TemporaryFolder.h"

@@ -351,6 +351,10 @@ struct UsageCase {
     std::vector<std::string> arguments;
     const char* message;
 };
+void PrintTo(const UsageCase& row, std::ostream* out)
+{
+    *out << row.name;
+}
 const UsageCase kBadUsage[] = {
     {"no_command", {}, "a command is missing"},
     {"an_unknown_command", {"frobnicate"}, "there is no command \"frobnicate\""},

@@ -146,6 +146,10 @@ struct RoundTrip {
     std::function<void(DocumentBuilder&)> fill;
     float tolerance;
 };
+void PrintTo(const RoundTrip& row, std::ostream* out)
+{
+    *out << row.name;
+}
 
 void onePlaced(DocumentBuilder& builder, const Columns& columns)
 {

@@ -111,6 +111,10 @@ struct NormalCase {
     std::array<float, 3> given;
     std::array<float, 3> exported;
 };
+void PrintTo(const NormalCase& row, std::ostream* out)
+{
+    *out << row.name;
+}
 const NormalCase kNormals[] = {
     {"a_unit_normal_keeps_its_bits", {0.6f, 0, 0.8f}, {0.6f, 0, 0.8f}},
     {"almost_unit_length_keeps_its_bits", {0, 0, 1.000009f}, {0, 0, 1.000009f}},

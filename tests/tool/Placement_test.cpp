@@ -73,6 +73,10 @@ struct PlacementCase {
     std::array<float, 9> columns;
     bool needsTwoNodes;
 };
+void PrintTo(const PlacementCase& row, std::ostream* out)
+{
+    *out << row.name;
+}
 const PlacementCase kPlacements[] = {
     {"identity", {1, 0, 0, 0, 1, 0, 0, 0, 1}, false},
     {"quarter_turn_about_z", {0, 1, 0, -1, 0, 0, 0, 0, 1}, false},

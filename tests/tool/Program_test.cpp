@@ -211,6 +211,10 @@ struct OutputCase {
     const char* out;
     const char* message;
 };
+void PrintTo(const OutputCase& row, std::ostream* out)
+{
+    *out << row.name;
+}
 const OutputCase kBadOutputs[] = {
     {"a_missing_folder", "gone/o.glb", "there is no folder for it"},
     {"a_folder", ".", "it is a folder"},

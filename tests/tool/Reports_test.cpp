@@ -153,6 +153,10 @@ struct BaseCase {
     const char* token;
     const char* base;
 };
+void PrintTo(const BaseCase& row, std::ostream* out)
+{
+    *out << row.name;
+}
 const BaseCase kBases[] = {
     {"the_name_stands_before_the_number", "arm-2@robot", "arm"},
     {"a_name_may_hold_dashes", "left-arm-12@robot", "left-arm"},
@@ -474,6 +478,10 @@ struct EmissionCase {
     float emission;
     std::array<double, 3> factor;
 };
+void PrintTo(const EmissionCase& row, std::ostream* out)
+{
+    *out << row.name;
+}
 const EmissionCase kEmissions[] = {
     {"shines_in_its_own_colour", {1, 0, 0}, 0x00FFFFFF, 0.5f, {0.5, 0, 0}},
     {"the_top_byte_is_no_colour", {1, 0, 0}, 0xABFFFFFF, 0.5f, {0.5, 0, 0}},

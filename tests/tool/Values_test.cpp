@@ -16,6 +16,10 @@ struct FloatCase {
     const char* json;
     const char* text;
 };
+void PrintTo(const FloatCase& row, std::ostream* out)
+{
+    *out << row.name;
+}
 const FloatCase kFloats[] = {
     {"a_float_has_the_digits_that_tell_it_from_its_neighbours", 0.1f, "0.1", "0.1"},
     {"a_whole_number_is_a_real_number_in_json", 2.0f, "2.0", "2"},

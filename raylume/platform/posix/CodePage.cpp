@@ -64,20 +64,58 @@ Converter openConverter(const std::string& name)
     return U_SUCCESS(error) ? std::move(converter) : nullptr;
 }
 
-// Opening a converter costs a thousand short conversions, so each thread keeps its last one.
-UConverter* keptConverter(const CodePage& page)
+Converter openOrThrow(const CodePage& page)
 {
-    thread_local const CodePage* keptPage = nullptr;
-    thread_local Converter kept;
-    if (keptPage != &page) {
-        kept = openConverter(page.converterName);
-        keptPage = kept ? &page : nullptr;
-    }
-    if (!kept) {
+    Converter converter = openConverter(page.converterName);
+    if (!converter) {
         throw std::bad_alloc();
     }
-    return kept.get();
+    return converter;
 }
+
+// Without a destructor, so that it can be read after the other objects of the thread are gone: those
+// of the main thread go before objects of static life, which may still convert.
+struct KeptConverter {
+    const CodePage* page = nullptr;
+    UConverter* converter = nullptr;
+    bool isOver = false;
+};
+thread_local KeptConverter kept;
+
+struct CloseKept {
+    ~CloseKept()
+    {
+        ucnv_close(kept.converter);
+        kept = {nullptr, nullptr, true};
+    }
+};
+
+void keep(const CodePage& page)
+{
+    thread_local const CloseKept closeAtTheEnd;
+    static_cast<void>(closeAtTheEnd);
+    Converter opened = openOrThrow(page);
+    ucnv_close(kept.converter);
+    kept.converter = opened.release();
+    kept.page = &page;
+}
+
+/// The converter for one call. Opening one costs a thousand short conversions, so each thread keeps
+/// its last one; a thread that keeps none any more opens one for this call.
+class CallConverter {
+public:
+    explicit CallConverter(const CodePage& page) : own_(kept.isOver ? openOrThrow(page) : nullptr)
+    {
+        if (!own_ && kept.page != &page) {
+            keep(page);
+        }
+    }
+
+    UConverter* get() const { return own_ ? own_.get() : kept.converter; }
+
+private:
+    Converter own_;
+};
 
 using Chunk = std::array<char, 1024>;
 using WideChunk = std::array<UChar, 1024>;
@@ -173,12 +211,39 @@ std::wstring allWideAscii()
     return std::wstring(bytes.begin(), bytes.end());
 }
 
-void describe(CodePage& page, UConverter* converter)
+std::string encodeWith(UConverter* converter, bool rotatesControls, std::wstring_view text)
 {
+    std::u16string units;
+    units.reserve(text.size());
+    for (const wchar_t character : text) {
+        const UChar32 value = withoutPrivateFit(converter, scalarValue(character));
+        appendUtf16(units, rotatesControls ? asTableHasIt(value) : value);
+    }
+    return bytesOf(converter, units);
+}
+
+std::wstring decodeWith(UConverter* converter, bool rotatesControls, std::string_view bytes)
+{
+    std::u16string units = unitsOf(converter, bytes);
+    if (rotatesControls) {
+        for (char16_t& unit : units) {
+            unit = asByteHasIt(unit);
+        }
+    }
+    return fromUtf16(units);
+}
+
+CodePage describe(int number, const std::string& name, UConverter* converter)
+{
+    CodePage page;
+    page.number = number;
+    page.converterName = name;
     page.isUtf8 = ucnv_getType(converter) == UCNV_UTF8;
-    page.rotatesControls = unitsOf(converter, "\x1A\x1C\x7F") == u"\x1C\x7F\x1A";
-    page.keepsAscii =
-        decode(page, allAscii()) == allWideAscii() && encode(page, allWideAscii()) == allAscii();
+    const bool rotates = unitsOf(converter, "\x1A\x1C\x7F") == u"\x1C\x7F\x1A";
+    page.rotatesControls = rotates;
+    page.keepsAscii = decodeWith(converter, rotates, allAscii()) == allWideAscii() &&
+                      encodeWith(converter, rotates, allWideAscii()) == allAscii();
+    return page;
 }
 
 std::string isoName(int number)
@@ -224,34 +289,17 @@ const CodePage* findCodePage(int number)
     if (!canServe(converter)) {
         return nullptr;
     }
-    CodePage& page = known[number];
-    page.number = number;
-    page.converterName = name;
-    describe(page, converter.get());
-    return &page;
+    return &known.emplace(number, describe(number, name, converter.get())).first->second;
 }
 
 std::string encode(const CodePage& page, std::wstring_view text)
 {
-    UConverter* const converter = keptConverter(page);
-    std::u16string units;
-    units.reserve(text.size());
-    for (const wchar_t character : text) {
-        const UChar32 value = withoutPrivateFit(converter, scalarValue(character));
-        appendUtf16(units, page.rotatesControls ? asTableHasIt(value) : value);
-    }
-    return bytesOf(converter, units);
+    return encodeWith(CallConverter(page).get(), page.rotatesControls, text);
 }
 
 std::wstring decode(const CodePage& page, std::string_view bytes)
 {
-    std::u16string units = unitsOf(keptConverter(page), bytes);
-    if (page.rotatesControls) {
-        for (char16_t& unit : units) {
-            unit = asByteHasIt(unit);
-        }
-    }
-    return fromUtf16(units);
+    return decodeWith(CallConverter(page).get(), page.rotatesControls, bytes);
 }
 
 }  // namespace platform

@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <string_view>
+#include <vector>
 
 #include "raylume/platform/Environment.h"
 #include "raylume/platform/Text.h"
@@ -86,6 +87,30 @@ bool startsWithDrive(const std::string& path)
     return path.size() >= 2 && path[1] == ':' && isLetter(path[0]);
 }
 
+// Takes "." and ".." out by the text alone, as the system of the texts does: ".." in the root of a
+// drive is that root, so that no text leads out of a drive.
+std::string withinDrive(std::string_view path)
+{
+    constexpr std::size_t kDrive = 2;
+    std::string within(path.substr(0, kDrive));
+    path.remove_prefix(kDrive);
+    std::vector<std::string_view> steps;
+    while (!path.empty()) {
+        const std::size_t name = std::min(path.find_first_not_of('/'), path.size());
+        const std::string_view step = path.substr(0, path.find('/', name));
+        path.remove_prefix(step.size());
+        if (step.substr(name) != "." && step.substr(name) != "..") {
+            steps.push_back(step);
+        } else if (step.substr(name) == ".." && !steps.empty()) {
+            steps.pop_back();
+        }
+    }
+    for (const std::string_view step : steps) {
+        within += step;
+    }
+    return within;
+}
+
 // The folder of drives as the variable has it; a text of a document decides below it only.
 std::string drivesFolder()
 {
@@ -97,10 +122,14 @@ std::string drivesFolder()
 std::string nativePath(const std::wstring& text)
 {
     std::string path = withNativeSeparators(text);
-    std::string folder = startsWithDrive(path) ? drivesFolder() : std::string();
+    const bool onDrive = startsWithDrive(path);
+    std::string folder = onDrive ? drivesFolder() : std::string();
     if (!folder.empty()) {
         folder += '/';
         path.insert(2, path.size() > 2 && path[2] != '/' ? "/" : "");
+    }
+    if (onDrive) {
+        path = withinDrive(path);
     }
     return path.empty() || entryExists(folder + path) ? folder + path : resolveBehind(folder, path);
 }

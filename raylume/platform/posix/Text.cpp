@@ -18,7 +18,8 @@ constexpr int kUtf8 = 65001;
 
 const CodePage* utf8Page()
 {
-    static const CodePage page{kUtf8, "UTF-8", true, true, false};
+    // Never destroyed: other code may still convert while the process ends.
+    static const auto& page = *new CodePage{kUtf8, "UTF-8", true, true, false};
     return &page;
 }
 

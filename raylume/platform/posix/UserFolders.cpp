@@ -1,31 +1,11 @@
 #include "raylume/platform/UserFolders.h"
 
-#include "raylume/platform/Environment.h"
 #include "raylume/platform/Files.h"
+#include "raylume/platform/posix/AbsoluteFolder.h"
 
 namespace platform {
 
 namespace {
-
-bool isAbsolute(const std::wstring& path)
-{
-    return !path.empty() && path.front() == L'/';
-}
-
-std::wstring withoutTrailingSeparators(std::wstring path)
-{
-    while (!path.empty() && path.back() == L'/') {
-        path.pop_back();
-    }
-    return path;
-}
-
-std::optional<std::wstring> absoluteFolder(const char* variable)
-{
-    const auto value = environmentVariable(variable);
-    // A relative one counts as unset, by the rules for these variables.
-    return value && isAbsolute(*value) ? std::optional(withoutTrailingSeparators(*value)) : std::nullopt;
-}
 
 // Whoever makes something in the folder finds out soon enough if this did not work.
 void makeWithParents(const std::wstring& path)

@@ -8,6 +8,7 @@
 #include "raylume/platform/Environment.h"
 #include "raylume/platform/Files.h"
 #include "raylume/platform/Text.h"
+#include "raylume/platform/posix/AbsoluteFolder.h"
 #include "raylume/platform/posix/RegistryFile.h"
 
 namespace platform {
@@ -31,11 +32,11 @@ struct KeyContent {
 
 std::optional<std::wstring> configurationFolder()
 {
-    auto folder = environmentVariable("XDG_CONFIG_HOME");
-    if (folder && folder->front() == L'/') {
+    auto folder = absoluteFolder("XDG_CONFIG_HOME");
+    if (folder) {
         return folder;
     }
-    folder = environmentVariable("HOME");
+    folder = absoluteFolder("HOME");
     return folder ? std::optional(*folder + L"/.config") : std::nullopt;
 }
 

@@ -18,11 +18,15 @@ public:
     static constexpr std::uint64_t kTimes = 128;
     /// Component paths have a stricter limit, in characters.
     static constexpr std::uint64_t kPathTimes = 64;
+    /// The paths of the nodes above the components stand in the model's tree, once each: a chain makes
+    /// them grow with the square of its length, so that the floor is what some ten thousand levels need.
+    static constexpr std::uint64_t kTreePathFloor = std::uint64_t(1) << 30;
 
     void addBytes(std::uint64_t bytes) { bytes_ += bytes; }
     static std::uint64_t limitFor(std::uint64_t bytes) { return std::max(kFloor, kTimes * bytes); }
     std::uint64_t limit() const { return limitFor(bytes_); }
     std::uint64_t pathLimit() const { return std::max(kFloor, kPathTimes * bytes_); }
+    std::uint64_t treePathLimit() const { return std::max(kTreePathFloor, kPathTimes * bytes_); }
 
     /// Takes `count` elements of `size` bytes off; raises Refusal when that is too much.
     void charge(std::uint64_t count, std::uint64_t size)

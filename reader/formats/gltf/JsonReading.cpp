@@ -99,8 +99,9 @@ private:
     template <class Visit>
     void eachElement(od::value value, Visit visit)
     {
-        od::array array = value.get_array();
-        for (auto element : array)
+        // By name, since a loop keeps alive no more than the last of its temporaries.
+        od::array elements = value.get_array().value();
+        for (auto element : elements)
             visit(std::move(element).value());
     }
     // The elements of one of the document's lists; `read` is a member that fills one record.

@@ -61,6 +61,15 @@ bool takeDecimal(const char*& at, const char* end, Decimal& decimal)
     return takeExponent(at, end, decimal);
 }
 
+// Of a number out of a double's range: too small to hold is zero, too large is no number for us.
+bool isTooSmall(std::string_view text)
+{
+    const std::size_t exponent = text.find_first_of("eE");
+    if (exponent != std::string_view::npos)
+        return text[exponent + 1] == '-';
+    return text.substr(text[0] == '-' ? 1 : 0).front() == '0';
+}
+
 constexpr double kPowers[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
                               1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
 constexpr int kExactDigits = 15;
@@ -101,7 +110,12 @@ bool NumberList::readNumber(double& number)
         return true;
     }
     const auto result = std::from_chars(begin, at_, number);
-    return result.ec == std::errc() || giveUp();
+    if (result.ec == std::errc())
+        return true;
+    if (!isTooSmall({begin, static_cast<std::size_t>(at_ - begin)}))
+        return giveUp();
+    number = decimal.isNegative ? -0.0 : 0.0;
+    return true;
 }
 
 bool NumberList::next(double& number)

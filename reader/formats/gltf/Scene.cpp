@@ -114,11 +114,14 @@ void SceneWalk::visit(std::uint32_t index)
         refuse(numbered("nodes", index) + " stands at a place that is not finite");
     std::size_t nameBegin = 0;
     std::size_t nameLength = 0;
-    if (!document_.isPart && tree_.leadsToMesh(index))
+    const bool hasPath = !document_.isPart && tree_.leadsToMesh(index);
+    if (hasPath)
         appendToken(level, index, nameBegin, nameLength);
     take(node, world);
     if (node.childCount == 0)
         return;
+    if (hasPath)
+        chargeTreePath();
     const std::uint32_t* first = records_.children.data() + node.firstChild;
     numbers_.assign(first, node.childCount);
     levels_.push_back({first, first + node.childCount, world, path_.size(), nameBegin, nameLength});
@@ -160,6 +163,13 @@ void SceneWalk::appendToken(const Level& level, std::uint32_t node, std::size_t&
     // Only tokens on the way to a component are made, so what is made for nothing is one path at most.
     if (path_.size() > budget_.pathLimit())
         refuse("the component paths are out of proportion to the file");
+}
+
+void SceneWalk::chargeTreePath()
+{
+    treePathCharacters_ += path_.size();
+    if (treePathCharacters_ > budget_.treePathLimit())
+        refuse("the nodes are nested too deep for the paths of all of them");
 }
 
 void SceneWalk::take(const NodeRecord& node, const Affine& world)
