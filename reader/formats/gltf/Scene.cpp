@@ -6,6 +6,7 @@
 
 #include "raylume/platform/Text.h"
 #include "reader/formats/gltf/Lights.h"
+#include "reader/formats/gltf/PathLengths.h"
 #include "reader/formats/gltf/Refusal.h"
 
 namespace ovdl::gltf {
@@ -56,6 +57,7 @@ void SceneWalk::run(const std::wstring& stem)
     stem_ = stem;
     decideKind();
     if (!document_.isPart) {
+        checkPathLengths(records_, tree_, stem_.size(), budget_);
         budget_.charge(tree_.meshNodeCount(), sizeof(uoTempAssemblySHDData_c));
         document_.reserveComponents(tree_.meshNodeCount());
     }
@@ -114,14 +116,11 @@ void SceneWalk::visit(std::uint32_t index)
         refuse(numbered("nodes", index) + " stands at a place that is not finite");
     std::size_t nameBegin = 0;
     std::size_t nameLength = 0;
-    const bool hasPath = !document_.isPart && tree_.leadsToMesh(index);
-    if (hasPath)
+    if (!document_.isPart && tree_.leadsToMesh(index))
         appendToken(level, index, nameBegin, nameLength);
     take(node, world);
     if (node.childCount == 0)
         return;
-    if (hasPath)
-        chargeTreePath();
     const std::uint32_t* first = records_.children.data() + node.firstChild;
     numbers_.assign(first, node.childCount);
     levels_.push_back({first, first + node.childCount, world, path_.size(), nameBegin, nameLength});
@@ -160,16 +159,6 @@ void SceneWalk::appendToken(const Level& level, std::uint32_t node, std::size_t&
         path_ += stem_;
     else
         path_.append(path_, level.nameBegin, level.nameLength);
-    // Only tokens on the way to a component are made, so what is made for nothing is one path at most.
-    if (path_.size() > budget_.pathLimit())
-        refuse("the component paths are out of proportion to the file");
-}
-
-void SceneWalk::chargeTreePath()
-{
-    treePathCharacters_ += path_.size();
-    if (treePathCharacters_ > budget_.treePathLimit())
-        refuse("the nodes are nested too deep for the paths of all of them");
 }
 
 void SceneWalk::take(const NodeRecord& node, const Affine& world)
@@ -193,9 +182,6 @@ void SceneWalk::addComponent(const NodeRecord& node, const Affine& world)
         document_.partDocument.tessData = &part;
         return;
     }
-    pathCharacters_ += path_.size();
-    if (pathCharacters_ > budget_.pathLimit())
-        refuse("the component paths are out of proportion to the file");
     uoTempAssemblySHDData_c& component = document_.addComponent();
     component.name = path_;
     fillXform(world, component.xform);

@@ -34,7 +34,6 @@ private:
     void appendToken(const Level& level, std::uint32_t node, std::size_t& nameBegin,
                      std::size_t& nameLength);
     void appendName(std::string_view name);
-    void chargeTreePath();
     void take(const NodeRecord& node, const Affine& world);
     void addComponent(const NodeRecord& node, const Affine& world);
     void addView(const Affine& world);
@@ -50,8 +49,6 @@ private:
     std::vector<Level> levels_;
     std::wstring path_;
     std::wstring stem_;
-    std::uint64_t pathCharacters_ = 0;
-    std::uint64_t treePathCharacters_ = 0;
     bool hasView_ = false;
 };
 
