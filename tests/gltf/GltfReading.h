@@ -1,10 +1,12 @@
 // Reads documents through the format itself, and takes what comes back apart.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <random>
 #include <set>
 #include <string>
 #include <vector>
@@ -20,8 +22,12 @@ public:
     Folder()
     {
         static int count = 0;
-        path_ = std::filesystem::temp_directory_path() /
-                ("raylume-gltf-" + std::to_string(processNumber()) + "-" + std::to_string(++count));
+        // In memory, where there is such a folder: some tests write thousands of files.
+        const std::filesystem::path inMemory = "/dev/shm";
+        const auto parent =
+            std::filesystem::exists(inMemory) ? inMemory : std::filesystem::temp_directory_path();
+        path_ =
+            parent / ("raylume-gltf-" + std::to_string(processNumber()) + "-" + std::to_string(++count));
         std::filesystem::create_directories(path_);
     }
     Folder(const Folder&) = delete;
@@ -39,13 +45,11 @@ public:
     std::wstring path(const std::string& name) const { return platform::fromUtf8((path_ / name).string()); }
 
 private:
-    // An address of this run is as good as a process number.
-    static unsigned long processNumber()
+    // Tests of several processes run side by side.
+    static unsigned processNumber()
     {
-        static const auto number = std::make_unique<int>();
-        return static_cast<unsigned long>(reinterpret_cast<std::uintptr_t>(number.get()) >> 4) ^
-               static_cast<unsigned long>(
-                   std::filesystem::file_time_type::clock::now().time_since_epoch().count());
+        static const unsigned number = std::random_device{}();
+        return number;
     }
 
     std::filesystem::path path_;

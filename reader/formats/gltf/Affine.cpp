@@ -62,13 +62,4 @@ Affine fromParts(const std::array<double, 3>& translation, const std::array<doub
     return result;
 }
 
-bool isFinite(const Affine& transform)
-{
-    // Zero times anything else is no zero.
-    double sum = 0;
-    for (const double value : transform.m)
-        sum += value * 0;
-    return sum == 0;
-}
-
 }  // namespace ovdl::gltf

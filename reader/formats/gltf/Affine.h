@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 
 namespace ovdl::gltf {
 
@@ -23,6 +24,15 @@ Affine fromMatrix(const std::array<double, 16>& matrix);
 /// rotation), then the translation.
 Affine fromParts(const std::array<double, 3>& translation, const std::array<double, 4>& rotation,
                  const std::array<double, 3>& scale);
-bool isFinite(const Affine& transform);
+/// Zero times anything that is not finite is no zero.
+inline bool isFinite(const Affine& transform)
+{
+    // Four sums side by side, since each addition waits for the one before.
+    std::array<double, 4> sums = {0, 0, 0, 0};
+    for (std::size_t i = 0; i < transform.m.size(); i += sums.size())
+        for (std::size_t k = 0; k < sums.size(); ++k)
+            sums[k] += transform.m[i + k] * 0;
+    return sums[0] + sums[1] + sums[2] + sums[3] == 0;
+}
 
 }  // namespace ovdl::gltf

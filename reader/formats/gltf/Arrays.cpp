@@ -13,7 +13,9 @@ constexpr std::size_t kAlignment = 16;
 
 }  // namespace
 
-Arrays::Arrays(std::size_t expectedBytes) : expected_(expectedBytes) {}
+Arrays::Arrays(std::size_t expectedBytes) : expected_(expectedBytes)
+{
+}
 
 // The last block is no longer than what is still to come, so that little of it is mapped for nothing.
 std::size_t Arrays::nextBlockSize() const

@@ -11,6 +11,7 @@
 #include <limits>
 #include <string>
 
+#include "raylume/platform/Memory.h"
 #include "reader/formats/gltf/Budget.h"
 #include "reader/formats/gltf/NumberText.h"
 #include "reader/formats/gltf/Refusal.h"
@@ -148,7 +149,16 @@ private:
         }
         const std::size_t each = static_cast<std::size_t>(here - begin) / list.size() + 1;
         const std::size_t left = static_cast<std::size_t>(textEnd_ - here) / each;
-        list.reserve(list.size() + std::clamp(left + left / 16, list.size() / 2, 15 * list.size()));
+        reserveFilled(list, list.size() + std::clamp(left + left / 16, list.size() / 2, 15 * list.size()));
+    }
+    template <class Record>
+    static void reserveFilled(std::vector<Record>& list, std::size_t count)
+    {
+        if (count <= list.capacity())
+            return;
+        list.reserve(count);
+        const std::size_t used = list.size();
+        platform::prepareForFilling(list.data() + used, (list.capacity() - used) * sizeof(Record));
     }
 
     // The same for what goes with the nodes, at the rate so far.
@@ -156,9 +166,9 @@ private:
     {
         if (nodes == 0)
             return;
-        records_.children.reserve(records_.children.size() * expected / nodes);
-        records_.translations.reserve(records_.translations.size() * expected / nodes);
-        records_.affines.reserve(records_.affines.size() * expected / nodes);
+        reserveFilled(records_.children, records_.children.size() * expected / nodes);
+        reserveFilled(records_.translations, records_.translations.size() * expected / nodes);
+        reserveFilled(records_.affines, records_.affines.size() * expected / nodes);
     }
 
     std::uint64_t whole(od::value value);

@@ -17,6 +17,7 @@ NodeTree::NodeTree(const Records& records)
     findTop(records);
     for (std::size_t i = 0; i < records.nodes.size(); ++i)
         climb(i);
+    checkTop();
     findContent(records);
 }
 
@@ -33,27 +34,31 @@ void NodeTree::findParents(const Records& records)
     }
 }
 
-void NodeTree::addTop(std::uint32_t node)
-{
-    if (parents_[node] != kNone)
-        refuse("the scene names " + numbered("nodes", node) + ", which hangs under another node");
-    if (has(node, kInScene))
-        refuse("the scene names " + numbered("nodes", node) + " twice");
-    flags_[node] |= kInScene;
-    top_.push_back(node);
-}
-
 void NodeTree::findTop(const Records& records)
 {
     if (records.scene == kNone) {
         for (std::size_t i = 0; i < records.nodes.size(); ++i)
             if (parents_[i] == kNone)
-                addTop(static_cast<std::uint32_t>(i));
-        return;
+                top_.push_back(static_cast<std::uint32_t>(i));
+    } else {
+        const SceneRecord& scene = records.scenes[static_cast<std::size_t>(records.scene)];
+        const std::uint32_t* first = records.sceneNodes.data() + scene.firstNode;
+        top_.assign(first, first + scene.nodeCount);
     }
-    const SceneRecord& scene = records.scenes[static_cast<std::size_t>(records.scene)];
-    for (std::uint32_t n = 0; n < scene.nodeCount; ++n)
-        addTop(records.sceneNodes[scene.firstNode + n]);
+    for (const std::uint32_t node : top_)
+        if (parents_[node] == kNone)
+            flags_[node] |= kInScene;
+}
+
+void NodeTree::checkTop()
+{
+    for (const std::uint32_t node : top_) {
+        if (parents_[node] != kNone)
+            refuse("the scene names " + numbered("nodes", node) + ", which hangs under another node");
+        if (has(node, kOnTop))
+            refuse("the scene names " + numbered("nodes", node) + " twice");
+        flags_[node] |= kOnTop;
+    }
 }
 
 // Tells for a node and all above it whether the scene holds them. Who meets itself on the way up goes

@@ -34,11 +34,12 @@ private:
     static constexpr unsigned char kInScene = 4;
     static constexpr unsigned char kSeen = 8;
     static constexpr unsigned char kOnPath = 16;
+    static constexpr unsigned char kOnTop = 32;
 
     bool has(std::size_t node, int flags) const { return (flags_[node] & flags) != 0; }
     void findParents(const Records& records);
     void findTop(const Records& records);
-    void addTop(std::uint32_t node);
+    void checkTop();
     void climb(std::size_t node);
     void markAbove(std::size_t node, unsigned char flag);
     void findContent(const Records& records);

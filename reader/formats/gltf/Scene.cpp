@@ -110,7 +110,7 @@ void SceneWalk::visit(std::uint32_t index)
     const NodeRecord& node = records_.nodes[index];
     const Level& level = levels_.back();
     const Affine world = placed(node, level.world);
-    if (!isFinite(world))
+    if (node.placing != Placing::kUnplaced && !isFinite(world))
         refuse(numbered("nodes", index) + " stands at a place that is not finite");
     std::size_t nameBegin = 0;
     std::size_t nameLength = 0;
