@@ -1,117 +1,134 @@
 #include "reader/formats/gltf/NumberText.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
+#include <rapidcheck/gtest.h>
 
-#include <cstdint>
-#include <cstdlib>
-#include <cstring>
-#include <random>
+#include <bit>
+#include <charconv>
+#include <cmath>
 #include <string>
 #include <vector>
 
+namespace gltf_tests {
 namespace {
 
 using ovdl::gltf::NumberList;
 
-struct Read {
+struct Outcome {
     std::vector<double> numbers;
     bool isBroken = false;
 };
 
-Read read(const std::string& text)
+Outcome readList(const std::string& text)
 {
     NumberList list(text);
-    Read result;
+    Outcome outcome;
     for (double number = 0; list.next(number);)
-        result.numbers.push_back(number);
-    result.isBroken = list.isBroken();
-    return result;
+        outcome.numbers.push_back(number);
+    outcome.isBroken = list.isBroken();
+    return outcome;
 }
 
-std::uint64_t bitsOf(double number)
-{
-    std::uint64_t bits;
-    std::memcpy(&bits, &number, sizeof bits);
-    return bits;
-}
-
-struct NumberCase {
+struct ListCase {
     const char* name;
     const char* text;
+    std::vector<double> numbers;
+    bool isBroken;
+};
+const ListCase kLists[] = {
+    {"nothing", "[]", {}, false},
+    {"nothing_between_blanks", "[ \t\r\n]", {}, false},
+    {"whole_numbers", "[1,-2,0]", {1, -2, 0}, false},
+    {"blanks_everywhere", "[ 1 ,\n2\t, 3 ]", {1, 2, 3}, false},
+    {"fractions", "[0.5,-0.25,12.125]", {0.5, -0.25, 12.125}, false},
+    {"exponents", "[1e3,-2.5E-2,1e+2,0e0]", {1000, -0.025, 100, 0}, false},
+    {"a_tenth_to_the_last_digit", "[0.1000000000000000055511151231257827]", {0.1}, false},
+    {"more_digits_than_fit_a_word",
+     "[123456789012345678901234567890]",
+     {123456789012345678901234567890.0},
+     false},
+    {"sixteen_digits", "[0.1234567890123456]", {0.1234567890123456}, false},
+    {"halfway_cases",
+     "[9007199254740993,9007199254740995]",
+     {9007199254740992.0, 9007199254740996.0},
+     false},
+    {"the_smallest_double", "[4.9406564584124654e-324]", {4.9406564584124654e-324}, false},
+    {"a_number_too_large", "[1e309]", {}, true},
+    {"a_number_too_small_to_hold", "[1e-400,0.5]", {0, 0.5}, false},
+    {"a_missing_comma", "[1 2]", {1}, true},
+    {"a_comma_too_many", "[1,,2]", {1}, true},
+    {"a_comma_at_the_end", "[1,]", {1}, true},
+    {"a_comma_at_the_beginning", "[,1]", {}, true},
+    {"a_leading_zero", "[01]", {}, true},
+    {"a_leading_zero_behind_a_sign", "[-012]", {}, true},
+    {"a_plus", "[+1]", {}, true},
+    {"a_sign_alone", "[-]", {}, true},
+    {"a_point_without_digits_before", "[.5]", {}, true},
+    {"a_point_without_digits_behind", "[5.]", {}, true},
+    {"an_exponent_without_digits", "[1e]", {}, true},
+    {"an_exponent_with_a_sign_alone", "[1e+]", {}, true},
+    {"words", "[NaN]", {}, true},
+    {"infinity", "[-Infinity]", {}, true},
+    {"a_text", "[\"1\"]", {}, true},
+    {"a_list_in_a_list", "[[1]]", {}, true},
+    {"no_end", "[1", {1}, true},
+    {"an_end_behind_a_comma", "[1,", {1}, true},
+    {"no_list", "1", {}, true},
+    {"no_text", "", {}, true},
 };
 
-class JsonNumber : public testing::TestWithParam<NumberCase> {};
+class NumberLists : public testing::TestWithParam<ListCase> {};
 
-TEST_P(JsonNumber, IsRoundedLikeTheStandardLibrary)
+TEST_P(NumberLists, AreReadAsJsonHasThem)
 {
-    const Read result = read("[" + std::string(GetParam().text) + "]");
-    ASSERT_FALSE(result.isBroken);
-    ASSERT_EQ(result.numbers.size(), 1u);
-    EXPECT_EQ(bitsOf(result.numbers[0]), bitsOf(std::strtod(GetParam().text, nullptr)));
+    const Outcome outcome = readList(GetParam().text);
+    EXPECT_EQ(outcome.isBroken, GetParam().isBroken);
+    EXPECT_EQ(outcome.numbers, GetParam().numbers);
 }
-
-const NumberCase kNumbers[] = {
-    {"zero", "0"},
-    {"minus_zero", "-0"},
-    {"a_whole_number", "-17"},
-    {"a_fraction", "0.1"},
-    {"fifteen_digits", "0.123456789012345"},
-    {"sixteen_digits", "0.1234567890123456"},
-    {"seventeen_digits", "9007199254740993"},
-    {"an_exponent", "1.5e-3"},
-    {"a_capital_exponent_with_a_sign", "2E+10"},
-    {"the_largest", "1.7976931348623157e308"},
-    {"the_smallest", "5e-324"},
-    {"too_small_to_hold", "1e-400"},
-    {"too_small_and_negative", "-1e-400"},
-    {"many_zeros", "0.00000000000000000000000000000000000000001"},
-};
-INSTANTIATE_TEST_SUITE_P(Rows, JsonNumber, testing::ValuesIn(kNumbers),
+INSTANTIATE_TEST_SUITE_P(Rows, NumberLists, testing::ValuesIn(kLists),
                          [](const auto& row) { return row.param.name; });
 
-class NoJsonNumbers : public testing::TestWithParam<NumberCase> {};
-
-TEST_P(NoJsonNumbers, BreakTheList)
+TEST(NumberList, KeepsTheSignOfZero)
 {
-    EXPECT_TRUE(read(GetParam().text).isBroken);
+    const Outcome outcome = readList("[-0,-0.0,0]");
+    ASSERT_EQ(outcome.numbers.size(), 3u);
+    EXPECT_TRUE(std::signbit(outcome.numbers[0]));
+    EXPECT_TRUE(std::signbit(outcome.numbers[1]));
+    EXPECT_FALSE(std::signbit(outcome.numbers[2]));
 }
 
-const NumberCase kBroken[] = {
-    {"no_list", "1"},        {"an_open_list", "[1"},   {"a_leading_zero", "[01]"},
-    {"a_plus", "[+1]"},      {"a_bare_point", "[.5]"}, {"a_trailing_point", "[5.]"},
-    {"no_exponent", "[1e]"}, {"a_text", "[\"1\"]"},    {"a_trailing_comma", "[1,]"},
-    {"no_comma", "[1 2]"},   {"a_name", "[NaN]"},      {"too_large", "[1e400]"},
-    {"nothing", ""},
-};
-INSTANTIATE_TEST_SUITE_P(Rows, NoJsonNumbers, testing::ValuesIn(kBroken),
-                         [](const auto& row) { return row.param.name; });
-
-TEST(JsonNumbers, ComeInTheirOrderWithBlanksBetween)
+// Every double that is written in its shortest form, or in a longer one, comes back bit for bit.
+RC_GTEST_PROP(NumberProperties, DoublesComeBackBitForBit, ())
 {
-    const Read result = read(" [ 1 ,\n2.5,\t-3e1 ]");
-    EXPECT_FALSE(result.isBroken);
-    EXPECT_EQ(result.numbers, (std::vector<double>{1, 2.5, -30}));
-    EXPECT_TRUE(read("[]").numbers.empty());
-    EXPECT_FALSE(read("[ ]").isBroken);
-}
-
-TEST(JsonNumbers, OfAnyLengthAreRoundedLikeTheStandardLibrary)
-{
-    std::mt19937 random(1);
-    for (int round = 0; round < 20000; ++round) {
-        std::string text = random() % 2 ? "-" : "";
-        text += std::to_string(random() % 1000);
-        if (random() % 4 != 0) {
-            text += '.';
-            for (unsigned digits = 1 + random() % 18; digits != 0; --digits)
-                text += static_cast<char>('0' + random() % 10);
-        }
-        if (random() % 5 == 0)
-            text += "e" + std::to_string(static_cast<int>(random() % 40) - 20);
-        const Read result = read("[" + text + "]");
-        ASSERT_EQ(result.numbers.size(), 1u) << text;
-        ASSERT_EQ(bitsOf(result.numbers[0]), bitsOf(std::strtod(text.c_str(), nullptr))) << text;
+    const double number = std::bit_cast<double>(*rc::gen::arbitrary<std::uint64_t>());
+    RC_PRE(std::isfinite(number));
+    for (const int digits : {0, 17, 25}) {
+        char text[512];
+        const auto written = digits == 0 ? std::to_chars(text, text + sizeof(text), number)
+                                         : std::to_chars(text, text + sizeof(text), number,
+                                                         std::chars_format::scientific, digits);
+        const Outcome outcome = readList("[" + std::string(text, written.ptr) + "]");
+        RC_ASSERT(outcome.numbers.size() == 1u);
+        RC_ASSERT(std::bit_cast<std::uint64_t>(outcome.numbers[0]) == std::bit_cast<std::uint64_t>(number));
     }
 }
 
+// The short way of reading against the library's.
+RC_GTEST_PROP(NumberProperties, ShortDecimalsAreRoundedRight, ())
+{
+    const auto digits = *rc::gen::inRange<std::int64_t>(0, 1000000000000000);
+    const int fraction = *rc::gen::inRange(0, 15);
+    std::string text = std::to_string(digits);
+    if (fraction > 0) {
+        text.insert(0, static_cast<std::size_t>(std::max(0, fraction + 1 - static_cast<int>(text.size()))),
+                    '0');
+        text.insert(text.size() - static_cast<std::size_t>(fraction), ".");
+    }
+    double expected = 0;
+    std::from_chars(text.data(), text.data() + text.size(), expected);
+    const Outcome outcome = readList("[" + text + "]");
+    RC_ASSERT(outcome.numbers == std::vector<double>{expected});
+}
+
 }  // namespace
+}  // namespace gltf_tests
