@@ -9,8 +9,8 @@ namespace platform {
 
 namespace {
 
-// A fault costs more than the call below from a few dozen pages on.
-constexpr std::size_t kSmallestBlock = std::size_t{128} << 10;
+// Smaller blocks mostly come from memory that the allocator had before, where there is nothing to map.
+constexpr std::size_t kSmallestBlock = std::size_t{1} << 20;
 // A smaller block holds no whole huge page.
 constexpr std::size_t kHugePage = std::size_t{2} << 20;
 
