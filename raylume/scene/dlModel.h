@@ -72,7 +72,8 @@ public:
     void updateFirstModelName(std::string name);
 
     /// Reads the animation side file beside the document at `path` into animationTracks. True also
-    /// when there is none; false when it could not be read to its end.
+    /// when there is none; false when it could not be read to its end. Side files are not read yet: the
+    /// table stays as it is and the answer is true.
     bool readAnimationXML(const std::wstring& path);
     /// True when the named component's appearance changes over time. `name` in the ANSI code page.
     bool compHasAppearanceAnimation(std::string name);
