@@ -605,9 +605,8 @@ TEST(Jpeg, LimitedTakesLessThan64MiB)
     if (UNDER_ADDRESS_SANITIZER) {
         GTEST_SKIP() << "the sanitizer reserves memory of its own";
     }
-    const std::string file = jpeg(8192, 4096, {3, false, true, false, 80}, [](int column, int row, int) {
-        return static_cast<unsigned>(column ^ row) & 0xFF;
-    });
+    const std::string file = jpeg(4096, 4096, {1, false, true, false, 80},
+                                  [](int column, int, int) { return 100u + (column & 31); });
     folder().write("large.jpg", file);
     const auto decodeWithin64MiB = [] {
         std::FILE* const status = std::fopen("/proc/self/statm", "r");
@@ -619,8 +618,8 @@ TEST(Jpeg, LimitedTakesLessThan64MiB)
         const rlimit limit{used + (rlim_t{64} << 20), RLIM_INFINITY};
         setrlimit(RLIMIT_AS, &limit);
         const auto picture = ImageFile::open(folder().wide() + L"/large.jpg");
-        std::vector<unsigned char> pixels(std::size_t{4} * 2048 * 1024);
-        std::_Exit(picture && picture->decode({2048, 1024}, false, pixels.data()) ? 0 : 1);
+        std::vector<unsigned char> pixels(std::size_t{4} * 2048 * 2048);
+        std::_Exit(picture && picture->decode({2048, 2048}, false, pixels.data()) ? 0 : 1);
     };
     EXPECT_EXIT(decodeWithin64MiB(), testing::ExitedWithCode(0), "");
 }
