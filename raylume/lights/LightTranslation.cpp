@@ -82,7 +82,7 @@ void setRotation(const mgVector_c& direction, const mgUnitVector_c& reference, d
     const mgMatrix_c m = mg_RotationMatrix(angle, direction * reference);
     const double elements[9] = {m.e0, m.e1, m.e2, m.e3, m.e4, m.e5, m.e6, m.e7, m.e8};
     double x, y, z;
-    decomposeRotation(elements, x, y, z);
+    scene::decomposeRotation(elements, x, y, z);
     light.rotation[0] = narrow(x);
     light.rotation[1] = narrow(y);
     light.rotation[2] = narrow(z);
@@ -188,11 +188,21 @@ void translateLight(const moLight_c& source, ovScene_c* scene, dlLight& light)
 {
     fillCommon(source, light);
     switch (light.lightType) {
-    case LIGHT_AIMED: fillAimed(source, light); break;
-    case LIGHT_POSITIONED: fillPositioned(source, light); break;
-    case LIGHT_DIRECTIONAL: fillDirectional(source, light); break;
-    case LIGHT_SUN: fillSun(source, scene, light); break;
-    default: fillOther(source, light); break;
+    case LIGHT_AIMED:
+        fillAimed(source, light);
+        break;
+    case LIGHT_POSITIONED:
+        fillPositioned(source, light);
+        break;
+    case LIGHT_DIRECTIONAL:
+        fillDirectional(source, light);
+        break;
+    case LIGHT_SUN:
+        fillSun(source, scene, light);
+        break;
+    default:
+        fillOther(source, light);
+        break;
     }
 }
 

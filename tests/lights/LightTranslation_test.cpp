@@ -220,9 +220,9 @@ TEST_P(TypeFields, take_what_belongs_to_the_type_and_nothing_else)
 {
     const TypeCase& row = GetParam();
     const dlLight light = translated(fullLight(row.type));
-    EXPECT_EQ(list(light.direction), floatsOf({static_cast<float>(row.direction[0]),
-                                               static_cast<float>(row.direction[1]),
-                                               static_cast<float>(row.direction[2])}));
+    EXPECT_EQ(list(light.direction),
+              floatsOf({static_cast<float>(row.direction[0]), static_cast<float>(row.direction[1]),
+                        static_cast<float>(row.direction[2])}));
     EXPECT_EQ(list(light.position), floats({row.position[0], row.position[1], row.position[2]}));
     EXPECT_EQ(light.shapeValue, static_cast<float>(row.shapeValue));
     EXPECT_EQ(light.valueD, static_cast<float>(row.valueD));
@@ -256,8 +256,10 @@ struct OptionCase {
     bool enabled, option;
 };
 
-const OptionCase kOptions[] = {
-    {"zero", 0, false, false}, {"one", 1, true, true}, {"two", 2, true, false}, {"minus_one", -1, true, false}};
+const OptionCase kOptions[] = {{"zero", 0, false, false},
+                               {"one", 1, true, true},
+                               {"two", 2, true, false},
+                               {"minus_one", -1, true, false}};
 
 class LightOptions : public testing::TestWithParam<OptionCase> {};
 
@@ -404,7 +406,7 @@ const SunCase kSuns[] = {
     {"east_of_utc_the_year_is_already_the_new_one", "XXX-9", kNewYear2021 - 3600, 2021366, 8},
     {"half_hours", "XXX-5:30", kNewYear2021, 2021001, 5.5},
     {"the_first_second", "UTC0", 0, 1970001, 0},
-    {"the_last_second", "UTC0", 32535215999, 3000365, 0},
+    {"the_last_second", "UTC0", 32535215999, 3000365, 23 + 59 / 60.0},
     {"one_second_too_late", "UTC0", 32535216000, 0, -1 - 1 / 60.0},
     {"before_the_first_second", "UTC0", -1, 0, -1 - 1 / 60.0},
     {"far_too_late", "UTC0", std::numeric_limits<std::int64_t>::max(), 0, -1 - 1 / 60.0},
@@ -476,12 +478,12 @@ TEST(Sun, has_no_floor_without_scene_data)
 TEST(Sun, takes_its_vector_and_ten_times_the_haze)
 {
     moLight_c source = fullLight(LIGHT_SUN);
-    source.sourceHaze = 0.1234567890123;
+    source.sourceHaze = 0.0030000123;
     const dlLight light = translated(source);
     EXPECT_EQ(list(light.sunVector), floats({7.1, 8.2, 9.3}));
-    EXPECT_EQ(light.sunHaze, static_cast<float>(0.1234567890123 * 10.0));
+    EXPECT_EQ(light.sunHaze, static_cast<float>(0.0030000123 * 10.0));
     // 10 times this haze is another float when it is narrowed before it is multiplied.
-    EXPECT_NE(light.sunHaze, static_cast<float>(0.1234567890123) * 10.0f);
+    EXPECT_NE(light.sunHaze, static_cast<float>(0.0030000123) * 10.0f);
 }
 
 TEST(Sun, turns_by_its_position)
