@@ -204,7 +204,8 @@ std::vector<float> floatsOf(const tool::GltfDocument& document, const json& file
     const json& a = file["accessors"][accessor];
     const json& view = file["bufferViews"][a["bufferView"].get<int>()];
     const std::size_t binary = 12 + 8 + (document.json.size() + 3) / 4 * 4 + 8;
-    const std::size_t offset = binary + view["byteOffset"].get<std::size_t>() + a["byteOffset"].get<std::size_t>();
+    const std::size_t offset =
+        binary + view["byteOffset"].get<std::size_t>() + a["byteOffset"].get<std::size_t>();
     const std::string type = a["type"];
     std::vector<float> values(a["count"].get<std::size_t>() * (type == "SCALAR" ? 1 : type.back() - '0'));
     std::memcpy(values.data(), bytes.data() + offset, values.size() * sizeof(float));
