@@ -178,6 +178,7 @@ protected:
 
     dlFace& face(int body = 0, int index = 0) { return part.bodies[body].faces[index]; }
 
+    std::vector<std::string> deleted;  // outlives the owners of decals
     dlPart part;
     dlInstance instance;
 };
@@ -251,7 +252,6 @@ TEST_F(BoxOfInstance, is_the_same_for_a_body_with_its_flag_set)
 
 TEST_F(BoxOfInstance, leaves_the_decals_of_the_material_to_their_owner)
 {
-    std::vector<std::string> deleted;
     instance.material = new dlMaterial(boxMaterial());
     instance.material->addDecals(new CountingDecal(deleted, "decal"));
     part.bodies[0].flag = true;
