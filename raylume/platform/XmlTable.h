@@ -56,6 +56,7 @@ public:
 
 private:
     friend class XmlTable;
+    friend class XmlTableBuilder;
 
     // A record is the number of its name plus one, the length in one byte or in 255 and four more, and the
     // text. The list ends with a zero.
