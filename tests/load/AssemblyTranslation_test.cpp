@@ -271,6 +271,22 @@ TEST_F(AssemblyTranslation, TellsManyConfigurationsOfOnePartApart)
     }
 }
 
+// So that a part that recurs is indexed once.
+TEST_F(AssemblyTranslation, LetsAllDecalsOfALoadShareTheirIndices)
+{
+    Component first(L"c-1@a", &bolt.part);
+    Component second(L"d-1@a", &nut.part);
+    Components components{&first, &second};
+    std::set<FaceIndices*> indices;
+    standIns().onPartDecals = [&](dlPart&, int) { indices.insert(standIns().facesOfParts); };
+    standIns().onInstanceDecals = [&](dlInstance&, dlPart&) {
+        indices.insert(standIns().facesOfInstances);
+    };
+    translate(components);
+    EXPECT_EQ(indices.size(), 1u);
+    EXPECT_EQ(indices.count(nullptr), 0u);
+}
+
 TEST_F(AssemblyTranslation, AddsThePartBeforeItIsCapturedAndCapturesBeforeTheDecals)
 {
     Component component(L"c-1@a", &bolt.part);
