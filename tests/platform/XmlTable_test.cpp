@@ -132,9 +132,9 @@ TEST(XmlTable, NormalisesAttributes)
     EXPECT_EQ(table.attribute(1, kZ), "'");
 }
 
-class TextLength : public testing::TestWithParam<std::size_t> {};
+class XmlTextLength : public testing::TestWithParam<std::size_t> {};
 
-TEST_P(TextLength, MakesNoDifference)
+TEST_P(XmlTextLength, MakesNoDifference)
 {
     const std::string text(GetParam(), 'q');
     const Table table("<r><b z='before'/><a x='" + text + "' y='" + text + "'/><b z='behind'/></r>");
@@ -145,7 +145,7 @@ TEST_P(TextLength, MakesNoDifference)
     EXPECT_EQ(table.attribute(3, kZ), "behind");
 }
 
-INSTANTIATE_TEST_SUITE_P(Sizes, TextLength,
+INSTANTIATE_TEST_SUITE_P(Sizes, XmlTextLength,
                          testing::Values(0, 1, 254, 255, 256, 32700, 65520, 65528, 65536, 200000, 5000000));
 
 TEST(XmlTable, KeepsManyElements)
@@ -198,9 +198,9 @@ struct DocumentCase {
     std::string xml;
 };
 
-class Refused : public testing::TestWithParam<DocumentCase> {};
+class XmlRefused : public testing::TestWithParam<DocumentCase> {};
 
-TEST_P(Refused, AtOnceAndByByte)
+TEST_P(XmlRefused, AtOnceAndByByte)
 {
     EXPECT_EQ(Table(GetParam().xml).load().status, XmlStatus::kRefused);
     const Table slow(GetParam().xml, 1);
@@ -216,7 +216,7 @@ std::string declared(const std::string& encoding, const std::string& body = kBod
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Rows, Refused,
+    Rows, XmlRefused,
     testing::Values(
         DocumentCase{"empty", ""}, DocumentCase{"two_roots", kBody + kBody},
         DocumentCase{"open", "<r><a/>"}, DocumentCase{"duplicate_attribute", "<r><a x='1' x='1'/></r>"},
@@ -265,9 +265,9 @@ INSTANTIATE_TEST_SUITE_P(
         DocumentCase{"ascii_beyond_its_range", declared("US-ASCII", "<r>\xE9</r>")}),
     [](const auto& row) { return row.param.name; });
 
-class Accepted : public testing::TestWithParam<DocumentCase> {};
+class XmlAccepted : public testing::TestWithParam<DocumentCase> {};
 
-TEST_P(Accepted, AtOnceAndByByte)
+TEST_P(XmlAccepted, AtOnceAndByByte)
 {
     for (const std::size_t step : {std::size_t{1} << 20, std::size_t{1}}) {
         const Table table(GetParam().xml, step);
@@ -278,7 +278,7 @@ TEST_P(Accepted, AtOnceAndByByte)
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Rows, Accepted,
+    Rows, XmlAccepted,
     testing::Values(
         DocumentCase{"plain", kBody}, DocumentCase{"version", "<?xml version='1.0'?>" + kBody},
         DocumentCase{"byte_order_mark", "\xEF\xBB\xBF" + kBody},
@@ -311,9 +311,9 @@ struct EncodingCase {
     std::string text;
 };
 
-class Encoded : public testing::TestWithParam<EncodingCase> {};
+class XmlEncoded : public testing::TestWithParam<EncodingCase> {};
 
-TEST_P(Encoded, GivesTheTextInUtf8)
+TEST_P(XmlEncoded, GivesTheTextInUtf8)
 {
     for (const std::size_t step : {std::size_t{1} << 20, std::size_t{1}, std::size_t{3}}) {
         const Table table(GetParam().xml, step);
@@ -328,7 +328,7 @@ std::string holding(const std::string& bytes)
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Rows, Encoded,
+    Rows, XmlEncoded,
     testing::Values(
         EncodingCase{"utf8", holding("\u00E9\u6F22\U0001F600"), "\u00E9\u6F22\U0001F600"},
         EncodingCase{"latin1", declared("ISO-8859-1", holding("\xE9")), "\u00E9"},
