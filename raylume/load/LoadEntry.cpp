@@ -25,6 +25,13 @@ CDispListsDocRL::~CDispListsDocRL()
 {
     delete oleContainer;
     oleContainer = nullptr;
+    for (IStorage* const storage : addinStorages)
+        storage->Release();
+    for (IUnknown* const held :
+         {static_cast<IUnknown*>(thirdPartyStorage), secondStorageInterface, spareStorageInterface}) {
+        if (held)
+            held->Release();
+    }
 }
 
 RL_OVDL_CallBacks::RL_OVDL_CallBacks() = default;

@@ -1,18 +1,22 @@
 // The frame of a load: one short session with the reader.
 #pragma once
 
+#include <cstdint>
+#include <vector>
+
 #include "raylume/load/ReaderInterface.h"
 
 /// The document object of one load, with what the add-in's own storage needs beside it.
 ///
-/// Ownership: owns the container of embedded items. The storage interfaces are references of
-///   whoever opened them; nothing here releases them.
+/// Ownership: owns the container of embedded items, and a reference of every storage interface that is
+///   not null.
 class CDispListsDocRL : public CDispListsDoc {
 public:
     CDispListsDocRL();
     CDispListsDocRL(const CDispListsDocRL&) = delete;
     CDispListsDocRL& operator=(const CDispListsDocRL&) = delete;
-    /// Deletes the container and sets it to null, then lets the reader release the document.
+    /// Deletes the container and sets it to null, releases the storage interfaces, then lets the reader
+    /// release the document.
     ~CDispListsDocRL();
 
     OVDLOleDocumentContainer* oleContainer = nullptr;
@@ -20,6 +24,7 @@ public:
     IUnknown* secondStorageInterface = nullptr;
     IUnknown* spareStorageInterface = nullptr;
     std::int32_t openStorageCount = 0;
+    std::vector<IStorage*> addinStorages;  ///< Opened below thirdPartyStorage, for as long as the session.
 };
 
 /// The callback object of one read. Replaces the version test alone; progress and cancellation stay
