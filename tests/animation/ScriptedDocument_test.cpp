@@ -247,6 +247,11 @@ void* readAndBeCancelled(void* state)
 
 TEST(ScriptedWalk, LetsACancelledThreadGo)
 {
+#if defined(__SANITIZE_ADDRESS__)
+    // The unwinding of a cancelled thread runs no code of the sanitizer, which then finds its own marks on
+    // the frames that are gone.
+    GTEST_SKIP() << "the address sanitizer does not follow a cancelled thread";
+#endif
     Cancelled cancelled;
     cancelled.script.root = everything();
     cancelled.script.answer = [](const std::string& call) {
