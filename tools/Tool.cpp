@@ -9,6 +9,7 @@
 #include <string>
 #include <system_error>
 
+#include "tools/AnimationReport.h"
 #include "tools/GltfExport.h"
 #include "tools/InfoReport.h"
 #include "tools/Interruption.h"
@@ -51,6 +52,7 @@ public:
           info_(addCommand("info", "Outcome, version, counts, box and load time of a document.")),
           tree_(addCommand("tree", "Component tree of a document.")),
           materials_(addCommand("materials", "Appearances of a document, and their textures.")),
+          animation_(addCommand("animation", "Animation tracks of a document.")),
           export_(addCommand("export", "Writes the loaded model as a binary glTF 2.0 file."))
     {
         app_.require_subcommand(1);
@@ -58,7 +60,7 @@ public:
         app_.add_option("--configuration", options_.configuration,
                         "Loads that configuration of an assembly, where the document has it.")
             ->type_name("NAME");
-        for (CLI::App* command : {info_, tree_, materials_})
+        for (CLI::App* command : {info_, tree_, materials_, animation_})
             command->add_flag("--json", options_.json, "Writes JSON.");
         tree_->add_option("--depth", options_.depth, "Shows that many levels below the root.")
             ->type_name("N")
@@ -77,6 +79,7 @@ public:
     bool isInfo() const { return info_->parsed(); }
     bool isTree() const { return tree_->parsed(); }
     bool isMaterials() const { return materials_->parsed(); }
+    bool isAnimation() const { return animation_->parsed(); }
     bool isExport() const { return export_->parsed(); }
 
     CLI::App& app() { return app_; }
@@ -106,6 +109,7 @@ private:
     CLI::App* info_;
     CLI::App* tree_;
     CLI::App* materials_;
+    CLI::App* animation_;
     CLI::App* export_;
 };
 
@@ -180,6 +184,8 @@ private:
             writeInfo(loaded);
         else if (line_.isTree())
             (options_.json ? writeTreeJson : writeTreeText)(*loaded.model, options_.depth, out_);
+        else if (line_.isAnimation())
+            (options_.json ? writeAnimationJson : writeAnimationText)(*loaded.model, out_);
         else
             (options_.json ? writeMaterialsJson : writeMaterialsText)(*loaded.model, out_);
     }
@@ -221,6 +227,14 @@ private:
         if (notes.instancesWithoutPlace > 0)
             say(err_, counted(notes.instancesWithoutPlace, "instance") +
                           " left without a mesh: placements that are no finite numbers");
+        if (notes.lightsWithoutPlace > 0)
+            say(err_, counted(notes.lightsWithoutPlace, "light") +
+                          " left out: places that are no finite numbers");
+        if (notes.lightsOfOtherTypes > 0)
+            say(err_, counted(notes.lightsOfOtherTypes, "light") + " left out: glTF has no such type");
+        if (notes.placementKeysLeftOut > 0)
+            say(err_, counted(notes.placementKeysLeftOut, "placement key") +
+                          " left out: sheared, no finite numbers, or at the time of another");
     }
 
     const CommandLine& line_;

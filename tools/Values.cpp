@@ -52,6 +52,14 @@ Json doubleValue(double value)
     return value;
 }
 
+Json jsonNumbers(const double* values, std::size_t count)
+{
+    Json result = Json::array();
+    for (std::size_t i = 0; i < count; ++i)
+        result.push_back(values[i]);
+    return result;
+}
+
 Json boxValue(dlBBox box)
 {
     if (!box.isSet())
@@ -60,6 +68,11 @@ Json boxValue(dlBBox box)
 }
 
 std::string floatText(float value)
+{
+    return std::isfinite(value) ? shortest(value) : notFinite(value);
+}
+
+std::string doubleText(double value)
 {
     return std::isfinite(value) ? shortest(value) : notFinite(value);
 }

@@ -1,6 +1,7 @@
 // How model values become JSON values and lines of text.
 #pragma once
 
+#include <cstddef>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
@@ -18,11 +19,15 @@ Json floatValue(float value);
 Json floatValues(const float* values, int count);
 /// The same for a double.
 Json doubleValue(double value);
+/// Finite doubles as an array.
+Json jsonNumbers(const double* values, std::size_t count);
 /// {"min": [x, y, z], "max": [x, y, z]}, or null for a box that saw no point.
 Json boxValue(dlBBox box);
 
 /// The shortest text that reads back as that float, without a needless ".0".
 std::string floatText(float value);
+/// The same for a double.
+std::string doubleText(double value);
 /// "x y z".
 std::string vectorText(const float* values);
 

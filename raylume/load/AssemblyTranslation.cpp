@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "raylume/appearance/DecalTranslation.h"
+#include "raylume/appearance/FaceIndex.h"
 #include "raylume/appearance/MaterialTranslation.h"
 #include "raylume/lights/LightTranslation.h"
 #include "raylume/load/TessellationCapture.h"
@@ -103,6 +104,7 @@ struct Translation {
     const std::wstring& path;
     PartFinder parts;
     PlacementRecorder placements;
+    FaceIndices faces;
 };
 
 // A part that has appearances, but none for the configuration in use, is not shown at all.
@@ -129,7 +131,7 @@ void providePart(Translation& translation, uoTempAssemblySHDData_c& component)
         return;
     dlPart& part = addPart(translation.model, tessData, configuration);
     capturePart(part, *tessData, configuration);
-    attachPartDecals(*tessData, &part, translation.path, configuration);
+    attachPartDecals(*tessData, &part, translation.path, configuration, translation.faces);
 }
 
 // The number of accepted components up to the one after which the host cancelled.
@@ -218,7 +220,7 @@ void fillInstance(Translation& translation, uoTempAssemblySHDData_c& component, 
     fillOverride(instance, component.vizProps, animated);
     instance.setVisible(component.visible);
     joinPart(instance, part);
-    attachInstanceDecals(component, &instance, &part, translation.path);
+    attachInstanceDecals(component, &instance, &part, translation.path, translation.faces);
     instance.hasAppearanceAnimation = animated;
     part.addAssociatedInstance(&instance);
     instance.configName = platform::narrow(component.configName);

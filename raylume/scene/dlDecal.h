@@ -56,6 +56,18 @@ public:
     std::list<unsigned long> getColorMask();
     void setColorMask(std::list<unsigned long> value);
 
+    /// Saves `texture.filename` as a bitmap in which the colours of `colorMask` are transparent and all
+    /// others opaque, and takes its path. `documentPath` is the folder of the document with a trailing
+    /// separator, where the image is searched. What was made before of the same image and the same colours
+    /// in the same order is used again.
+    ///
+    /// Errors: none. An image that cannot be read still takes a path, with nothing behind it; without a
+    ///   temporary folder `texture.filename` stays.
+    void generateNewImageUsingMaskColors(std::wstring documentPath);
+    /// The same with the blue bytes of a mask image, `maskName`, as alpha; with `invert` 255 minus them.
+    /// When only the mask cannot be read, the image is saved with its own alpha.
+    void generateNewImageUsingMaskFile(std::wstring documentPath, std::wstring maskName, bool invert);
+
     std::int32_t decalReservedA = 0;
     std::int32_t decalReservedB = 0;
     std::int32_t decalReservedC = 0;

@@ -13,17 +13,23 @@ enum TextureImageType : std::int32_t {
     TextureImageScene = 2,
 };
 
-/// The resolved path, or the stored one if nothing was found, in the ANSI code page. `searchFolder`
-/// ends in a separator.
+/// Where an image is that a document names by `storedPath`: a path that exists here, or the stored path if
+/// there is none, in the ANSI code page. "<SystemTexture>" at its start stands for the host's data folder.
+///
+/// `searchFolder`, in the ANSI code page, is mostly the document's; it ends in a separator, or else its
+/// last component counts as a file. `sceneFolder` is used as it is, for scenes only. A relative path is
+/// taken from the current folder. All paths keep "\"; rlu_nativePath turns the result into one to open.
+/// Raises nothing but std::bad_alloc. rlu_observeTextureSearches (TextureSearchLog.h) tells what was tried.
 DL_API std::string rlu_getTextureFilename(const std::wstring& storedPath, const std::string& searchFolder,
                                           TextureImageType type, const std::wstring& sceneFolder);
 
 /// The search itself: non-zero when found. `*result` is written in every case, and means something only
-/// when found.
+/// when found. `dataFolder` has no trailing separator and may be empty.
 DL_API int findFile(const wchar_t* storedPath, const std::wstring& dataFolder,
                     const std::wstring& searchFolder, TextureImageType type, std::wstring* result,
                     const std::wstring& sceneFolder);
 
-/// Tries the folders of a list separated by ";" and takes those tried out of it. Non-zero when found;
-/// `destination` is written only then.
+/// Tries the folders of a list separated by ";", one after another. Those that do not hold `leafName` are
+/// taken out of the list; what is left begins with the one that does. Non-zero when found; `destination` is
+/// written only then.
 int searchFolderList(std::wstring& folderList, const std::wstring& leafName, std::wstring& destination);

@@ -3,6 +3,7 @@
 #include <functional>
 #include <limits>
 #include <map>
+#include <set>
 
 #include "raylume/scene/dlDecal.h"
 #include "tests/load/LoadFixture.h"
@@ -269,6 +270,22 @@ TEST_F(AssemblyTranslation, TellsManyConfigurationsOfOnePartApart)
         EXPECT_EQ(model.instances[index].part, expected) << index;
         EXPECT_EQ(expected->instanceUseCount, 2);
     }
+}
+
+// So that a part that recurs is indexed once.
+TEST_F(AssemblyTranslation, LetsAllDecalsOfALoadShareTheirIndices)
+{
+    Component first(L"c-1@a", &bolt.part);
+    Component second(L"d-1@a", &nut.part);
+    Components components{&first, &second};
+    std::set<FaceIndices*> indices;
+    standIns().onPartDecals = [&](dlPart&, int) { indices.insert(standIns().facesOfParts); };
+    standIns().onInstanceDecals = [&](dlInstance&, dlPart&) {
+        indices.insert(standIns().facesOfInstances);
+    };
+    translate(components);
+    EXPECT_EQ(indices.size(), 1u);
+    EXPECT_EQ(indices.count(nullptr), 0u);
 }
 
 TEST_F(AssemblyTranslation, AddsThePartBeforeItIsCapturedAndCapturesBeforeTheDecals)

@@ -47,9 +47,17 @@ void attachPartDecals(uoTempPartTessData_c& tessData, dlPart* part, const std::w
         standins::get().onPartDecals(*part, configurationIndex);
 }
 
-void attachInstanceDecals(uoTempAssemblySHDData_c& component, dlInstance* instance, dlPart* part,
-                          const std::wstring& documentPath)
+void attachPartDecals(uoTempPartTessData_c& tessData, dlPart* part, const std::wstring& documentPath,
+                      int configurationIndex, FaceIndices& faces)
 {
+    standins::get().facesOfParts = &faces;
+    attachPartDecals(tessData, part, documentPath, configurationIndex);
+}
+
+void attachInstanceDecals(uoTempAssemblySHDData_c& component, dlInstance* instance, dlPart* part,
+                          const std::wstring& documentPath, FaceIndices& faces)
+{
+    standins::get().facesOfInstances = &faces;
     record("attachInstanceDecals(" + platform::toUtf8(component.name) + "," +
            platform::toUtf8(documentPath) + ")");
     if (standins::get().onInstanceDecals)

@@ -8,6 +8,7 @@
 
 #include "raylume/load/ReaderInterface.h"
 
+class FaceIndices;
 class dlInstance;
 class dlModel;
 class dlPart;
@@ -29,6 +30,8 @@ struct StandIns {
     ovPointerArray<moLight_c>* lights = nullptr;
     ovScene_c* lightsScene = nullptr;
     ovScene_c* scene = nullptr;
+    FaceIndices* facesOfParts = nullptr;
+    FaceIndices* facesOfInstances = nullptr;
     dlModel* animatedModel = nullptr;
 };
 

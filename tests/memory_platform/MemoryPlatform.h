@@ -18,6 +18,10 @@ using SettingValues = std::map<std::wstring, platform::SettingValue>;
 struct Machine {
     /// Folders and files by tidyPath(). Parents are not made by themselves.
     std::map<std::wstring, platform::PathKind> entries;
+    /// What files hold, by tidyPath(), for those that are opened.
+    std::map<std::wstring, std::string> contents;
+    /// Bytes of each file that can be read before the device fails.
+    std::size_t failingRead = static_cast<std::size_t>(-1);
     std::map<std::string, std::wstring> variables;
     /// Empty: the system does not tell.
     std::wstring executable;
@@ -30,6 +34,7 @@ struct Machine {
 
     // What was asked, in order and as it was written.
     std::vector<std::wstring> probes;
+    std::vector<std::wstring> opens;
     std::vector<std::wstring> makes;
     std::vector<std::size_t> executableBuffers;
     std::vector<std::wstring> keyOpens;

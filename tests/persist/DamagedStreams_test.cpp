@@ -69,13 +69,11 @@ TEST_P(DamagedStream, WithAnyByteFlippedIsReadOrIsCause3)
 {
     std::string bytes = sample();
     for (std::size_t at = 0; at < bytes.size(); ++at) {
-        for (const int flip : {0xFF, 0x01, 0x80}) {
-            bytes[at] = static_cast<char>(bytes[at] ^ flip);
-            RLData data;
-            const int cause = causeOf([&] { load(data, bytes); });
-            ASSERT_TRUE(cause == 0 || cause == kEndOfFile) << at;
-            bytes[at] = static_cast<char>(bytes[at] ^ flip);
-        }
+        bytes[at] = static_cast<char>(~bytes[at]);
+        RLData data;
+        const int cause = causeOf([&] { load(data, bytes); });
+        ASSERT_TRUE(cause == 0 || cause == kEndOfFile) << at;
+        bytes[at] = static_cast<char>(~bytes[at]);
     }
 }
 

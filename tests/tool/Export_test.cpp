@@ -570,6 +570,52 @@ TEST(Export, LeavesInstancesWithoutAPartOut)
     exportedJson(*model);
 }
 
+TEST(Export, OfLightsAndPlacementTracksIsValid)
+{
+    auto model = oneInstance(triangle());
+    model->lightCount = 6;
+    for (int i = 0; i < 6; ++i) {
+        dlLight& light = model->lights[i];
+        light.lightType = i + 1;
+        light.name = L"Light_" + std::to_wstring(i);
+        light.shapeValue = 1.2f;
+        light.valueD = 3;
+        light.valueF = i;
+        light.rotation[1] = 0.7f;
+        light.enabled = i != 3;
+    }
+    auto& keys = model->animationTracks[L"a-1@t"].transforms;
+    for (int i = 0; i < 3; ++i) {
+        dlTransformKey& key = keys[i - 1.0];
+        key.matrix[0] = key.matrix[5] = key.matrix[10] = key.matrix[15] = 1 + i;
+        key.matrix[12] = i;
+    }
+    const json made = exportedJson(*model);
+    EXPECT_EQ(made["extensions"]["KHR_lights_punctual"]["lights"].size(), 4u);
+    EXPECT_EQ(made["animations"].size(), 1u);
+}
+
+TEST(Export, OfLightsComesBack)
+{
+    const Folder folder;
+    auto model = oneInstance(triangle());
+    model->lightCount = 1;
+    model->lights[0].lightType = 2;
+    model->lights[0].shapeValue = 1;
+    model->lights[0].valueD = 0.5f;
+    model->lights[0].rotation[0] = 0.6f;
+    model->lights[0].position[1] = 4;
+    exported(*model, folder / "m.glb");
+    const auto after = load(folder / "m.glb");
+    ASSERT_EQ(after->lightCount, 1);
+    EXPECT_EQ(after->lights[0].lightType, 2);
+    EXPECT_EQ(after->lights[0].position[1], 4.0f);
+    EXPECT_FLOAT_EQ(after->lights[0].shapeValue, 1.0f);
+    EXPECT_FLOAT_EQ(after->lights[0].valueD, 0.5f);
+    EXPECT_NEAR(after->lights[0].rotation[0], 0.6f, 1e-6);
+    EXPECT_NEAR(after->lights[0].rotation[1], 0, 1e-6);
+}
+
 TEST(Export, CanBeCancelledBeforeEachPart)
 {
     ModelBuilder builder;

@@ -4,13 +4,15 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <ctime>
 #include <memory>
-#include <optional>
 #include <string_view>
 #include <vector>
 
 #include "raylume/platform/Environment.h"
 #include "raylume/platform/Text.h"
+#include "raylume/platform/posix/FolderListings.h"
+#include "raylume/platform/posix/NamePattern.h"
 
 namespace platform {
 
@@ -20,38 +22,49 @@ struct CloseFolder {
     void operator()(DIR* folder) const { closedir(folder); }
 };
 
+enum class Entry {
+    kMissing,
+    kPlain,
+    // Or not known to be anything else; where it leads is another look.
+    kLink,
+};
+
 // A dangling link is an entry too: it can be deleted, and nothing can be made in its place.
-bool entryExists(const std::string& path)
+Entry entryAt(const std::string& path)
 {
     struct stat status;
-    return lstat(path.c_str(), &status) == 0;
+    if (lstat(path.c_str(), &status) != 0) {
+        return Entry::kMissing;
+    }
+    return S_ISLNK(status.st_mode) ? Entry::kLink : Entry::kPlain;
 }
 
-// The first entry in byte order, so that the answer does not hang on the order of the listing. An
-// entry whose name is no UTF-8 is met as U+FFFD, which is also how its name came into the text.
-std::optional<std::string> findWithoutCase(const std::string& folder, const std::string& name)
+bool exists(const std::string& path)
 {
-    const std::unique_ptr<DIR, CloseFolder> listing(opendir(folder.empty() ? "." : folder.c_str()));
-    if (!listing) {
-        return std::nullopt;
-    }
-    const std::wstring wanted = fromUtf8(name);
-    std::optional<std::string> first;
-    while (const dirent* const entry = readdir(listing.get())) {
-        const std::string_view candidate = entry->d_name;
-        if ((!first || candidate < *first) && compareIgnoringCase(fromUtf8(candidate), wanted) == 0) {
-            first = candidate;
-        }
-    }
-    return first;
+    struct stat status;
+    return stat(path.c_str(), &status) == 0;
+}
+
+std::timespec systemTime()
+{
+    std::timespec now{};
+    clock_gettime(CLOCK_REALTIME, &now);
+    return now;
+}
+
+// Never destroyed: other code may still look for files while the process ends.
+FolderListings& listings()
+{
+    static auto& all = *new FolderListings(systemTime);
+    return all;
 }
 
 std::string resolveComponent(const std::string& folder, const std::string& name, bool& found)
 {
-    if (entryExists(folder + name)) {
+    if (entryAt(folder + name) != Entry::kMissing) {
         return name;
     }
-    const auto other = findWithoutCase(folder, name);
+    const auto other = listings().find(folder, name).name;
     found = other.has_value();
     return other.value_or(name);
 }
@@ -71,6 +84,21 @@ std::string resolveBehind(std::string path, std::string_view rest)
         }
     }
     return path.append(rest);
+}
+
+// Where the folder that should hold the last name exists as written, as it mostly does, the names before
+// it need no look of their own.
+std::string resolveMissing(const std::string& folder, const std::string& path)
+{
+    const std::string whole = folder + path;
+    const std::size_t name = whole.rfind('/') + 1;
+    if (name >= folder.size() && name < whole.size()) {
+        const auto answer = listings().find(whole.substr(0, name), whole.substr(name));
+        if (answer.isFolder) {
+            return whole.substr(0, name) + answer.name.value_or(whole.substr(name));
+        }
+    }
+    return resolveBehind(folder, path);
 }
 
 // Calls of the system see a text up to its first zero, so that much is what a text means.
@@ -117,9 +145,12 @@ std::string drivesFolder()
     return toUtf8(environmentVariable("RAYLUME_DRIVES").value_or(std::wstring()));
 }
 
-}  // namespace
+struct Resolved {
+    std::string path;
+    Entry entry;
+};
 
-std::string nativePath(const std::wstring& text)
+Resolved resolve(const std::wstring& text)
 {
     std::string path = withNativeSeparators(text);
     const bool onDrive = startsWithDrive(path);
@@ -131,7 +162,64 @@ std::string nativePath(const std::wstring& text)
     if (onDrive) {
         path = withinDrive(path);
     }
-    return path.empty() || entryExists(folder + path) ? folder + path : resolveBehind(folder, path);
+    if (path.empty()) {
+        return {folder, Entry::kMissing};
+    }
+    const Entry entry = entryAt(folder + path);
+    if (entry != Entry::kMissing) {
+        return {folder + path, entry};
+    }
+    const std::string other = resolveMissing(folder, path);
+    return {other, other == folder + path ? Entry::kMissing : Entry::kLink};
+}
+
+bool isSeparator(wchar_t character)
+{
+    return character == L'\\' || character == L'/';
+}
+
+// Where the last component begins; that of "c:name" begins behind the drive.
+std::size_t lastComponent(const std::wstring& path)
+{
+    const std::size_t separator = path.find_last_of(L"\\/");
+    if (separator != std::wstring::npos) {
+        return separator + 1;
+    }
+    return path.size() >= 2 && path[1] == L':' ? 2 : 0;
+}
+
+bool holdsMatch(const std::string& folder, const NamePattern& pattern)
+{
+    const std::unique_ptr<DIR, CloseFolder> listing(opendir(folder.empty() ? "." : folder.c_str()));
+    while (const dirent* const entry = listing ? readdir(listing.get()) : nullptr) {
+        struct stat status;
+        if (pattern.matches(fromUtf8(entry->d_name)) &&
+            fstatat(dirfd(listing.get()), entry->d_name, &status, 0) == 0) {
+            return true;
+        }
+    }
+    return false;
+}
+
+}  // namespace
+
+std::string nativePath(const std::wstring& text)
+{
+    return resolve(text).path;
+}
+
+bool pathMatches(const std::wstring& text)
+{
+    const std::wstring path = text.substr(0, text.find(L'\0'));
+    if (path.empty() || isSeparator(path.back())) {
+        return false;
+    }
+    const std::size_t name = lastComponent(path);
+    if (path.find_first_of(L"*?", name) != std::wstring::npos) {
+        return holdsMatch(nativePath(path.substr(0, name)), NamePattern(path.substr(name)));
+    }
+    const Resolved resolved = resolve(path);
+    return resolved.entry == Entry::kPlain || (resolved.entry == Entry::kLink && exists(resolved.path));
 }
 
 }  // namespace platform
