@@ -445,7 +445,7 @@ TEST_F(CustomViews, LieBetweenProjectionAndFocusFromVersion6On)
     for (const std::uint32_t version : {6u, 7u, 8u, 9u, 10u, 0x80000000u}) {
         const std::string name = "v" + std::to_string(version);
         Bytes bytes;
-        addCamera(bytes, version, {{"C:\\" + name, "CONTENT"}});
+        addCamera(bytes, version, std::vector<View>{{"C:\\" + name, "CONTENT"}});
         RLCameraData camera;
         EXPECT_EQ(load(camera, bytes.get() + "next", version), "next") << version;
         EXPECT_EQ(readFile(views / name), "CONTENT");

@@ -87,7 +87,8 @@ TEST_F(DocumentData, OfEveryVersionAreRead)
 {
     for (std::uint32_t version = 0; version <= 11; ++version) {
         for (const Form form : {Form::kNarrow, Form::kWide}) {
-            document.settings.bytes = sampleStream(version, form, {{"C:\\a.view", "VIEW"}}).get();
+            document.settings.bytes =
+                sampleStream(version, form, std::vector<View>{{"C:\\a.view", "VIEW"}}).get();
             registerFile();
             const auto data = read();
             ASSERT_NE(data, nullptr);
@@ -180,7 +181,7 @@ TEST_F(DocumentData, LeaveViewsBehindThatWereUnpackedBeforeTheFailure)
     bytes.u32(10).u32(0);
     addEnvironment(bytes, 10);
     bytes.flag(true);
-    addCamera(bytes, 10, {{"C:\\a.view", "VIEW"}});
+    addCamera(bytes, 10, std::vector<View>{{"C:\\a.view", "VIEW"}});
     document.settings.bytes = bytes.get();
     registerFile();
     EXPECT_EQ(causeOfRead(), 3);

@@ -184,7 +184,8 @@ bool same(const RLSceneData& a, const RLSceneData& b)
 
 class RoundTrip : public testing::Test {
 protected:
-    ScopedVariable data_{"XDG_DATA_HOME", "/dev/null/none"};
+    ScopedVariable home_{"HOME", std::nullopt};
+    ScopedVariable data_{"XDG_DATA_HOME", std::nullopt};
     ScopedCodePage page_{65001};
 };
 
