@@ -81,5 +81,7 @@ std::vector<std::unique_ptr<DocumentFormat>> makeFormats();
 
 std::unique_ptr<DocumentFormat> makePreparedFormat();
 std::unique_ptr<DocumentFormat> makeGltfFormat();
+/// Recognises every compound file and rejects it, so it is asked last.
+std::unique_ptr<DocumentFormat> makeCompoundFormat();
 
 }  // namespace ovdl

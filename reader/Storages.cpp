@@ -6,13 +6,13 @@
 #include <vector>
 
 #include "raylume/load/ReaderInterface.h"
+#include "raylume/platform/CompoundFile.h"
+#include "reader/DocumentHeader.h"
 #include "reader/FormatRegistry.h"
+#include "reader/HostState.h"
+#include "reader/StorageReference.h"
 
 namespace {
-
-// What a file answers that has no header of this reader's own.
-constexpr unsigned long kVersionWithoutHeader = 10000;
-constexpr unsigned long kDLVersionWithoutHeader = 0;
 
 // Says whether a load of that path would get a document, and holds no file while it waits to be
 // asked or afterwards. The first answer stands: asking again must not make a prepared document anew.
@@ -89,12 +89,12 @@ void suFileStorage::endOpen()
 
 unsigned long suFileStorage::loadVersion() const
 {
-    return kVersionWithoutHeader;
+    return ovdl::kVersionWithoutHeader;
 }
 
 unsigned long suFileStorage::loadDLVersion() const
 {
-    return kDLVersionWithoutHeader;
+    return ovdl::kDLVersionWithoutHeader;
 }
 
 unsigned long suFileStorage::getUncompressedStreamSize() const
@@ -102,13 +102,54 @@ unsigned long suFileStorage::getUncompressedStreamSize() const
     return 0;
 }
 
+// Either a compound file, whatever program made it, or a document of a format that has no storages.
 class suStructuredStorage::State {
 public:
+    State(const std::wstring& path, bool writable)
+    {
+        const HResult result = platform::openCompoundFile(path, writable, root.out());
+        if (result >= 0) {
+            header = ovdl::readHeader(*root.get());
+            open = true;
+            ovdl::setLastReason("");
+        } else if (isCompoundFile(result, writable)) {
+            ovdl::setLastReason(reasonOf(result));
+        } else {
+            open = ovdl::FormatRegistry::instance().canOpen(path);
+        }
+    }
+
+    ovdl::Reference<IStorage> root;
+    ovdl::Reference<IStorage> sub;
+    std::optional<ovdl::DocumentHeader> header;
     bool open = false;
+
+private:
+    // Whether it stays closed. Anything else may be a document of a format that has no storages; a file
+    // that may not be written is not told apart from one of those.
+    static bool isCompoundFile(HResult failure, bool writable)
+    {
+        const bool another =
+            failure == kStorageExists || failure == kStorageNotFound || failure == kStoragePathNotFound;
+        return !another && (failure != kStorageAccessDenied || writable);
+    }
+
+    static const char* reasonOf(HResult failure)
+    {
+        switch (failure) {
+        case kStorageAccessDenied:
+            return "the file may not be written";
+        case kStorageCorrupt:
+            return "the compound file is damaged";
+        default:
+            return "the compound file cannot be opened";
+        }
+    }
 };
 
-suStructuredStorage::suStructuredStorage(const std::wstring& path, int, CDocument*, IStorage*, int, int)
-    : state_(new State{ovdl::FormatRegistry::instance().canOpen(path)})
+suStructuredStorage::suStructuredStorage(const std::wstring& path, int writable, CDocument*, IStorage*, int,
+                                         int)
+    : state_(new State(path, writable != 0))
 {
 }
 
@@ -120,4 +161,39 @@ suStructuredStorage::~suStructuredStorage()
 int suStructuredStorage::isOpen() const
 {
     return state_->open ? 1 : 0;
+}
+
+bool suStructuredStorage::openSubStorage(const std::wstring& name, int forWrite, int, int)
+{
+    state_->sub.reset();
+    const std::uint32_t mode = kModeExclusive + (forWrite != 0 ? kModeReadWrite : kModeRead);
+    return state_->root && state_->root->OpenStorage(name.c_str(), mode, state_->sub.out()) >= 0;
+}
+
+IStorage* suStructuredStorage::subStorageInterface()
+{
+    if (state_->sub)
+        state_->sub->AddRef();
+    return state_->sub.get();
+}
+
+// Files have one interface.
+IUnknown* suStructuredStorage::secondInterface()
+{
+    return nullptr;
+}
+
+void suStructuredStorage::endOpen()
+{
+    state_->sub.reset();
+}
+
+unsigned long suStructuredStorage::loadVersion() const
+{
+    return state_->header ? state_->header->documentVersion : ovdl::kVersionWithoutHeader;
+}
+
+unsigned long suStructuredStorage::loadDLVersion() const
+{
+    return state_->header ? state_->header->displayListVersion : ovdl::kDLVersionWithoutHeader;
 }

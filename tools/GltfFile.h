@@ -19,11 +19,13 @@ struct ExportNotes {
     long long instancesWithoutPlace = 0;  ///< Without a mesh: the placement is infinite or no number.
     long long lightsWithoutPlace = 0;     ///< Left out: a position or a direction is no finite number.
     long long lightsOfOtherTypes = 0;     ///< Left out: glTF has no such light.
-    long long placementKeysLeftOut = 0;   ///< Times or placements that are sheared or no finite numbers.
-    long long imagesMissing = 0;          ///< Left out: they are nowhere where the search looks.
-    long long imagesUnreadable = 0;       ///< Left out: there is a file, but no image that can be read.
+    /// Keys whose placement is sheared, whose numbers are not finite, or whose time is that of the key
+    /// before; all keys of an instance that is itself sheared or without a place.
+    long long placementKeysLeftOut = 0;
+    long long imagesMissing = 0;         ///< Left out: they are nowhere where the search looks.
+    long long imagesUnreadable = 0;      ///< Left out: there is a file, but no image that can be read.
     long long imagesEmbedded = 0;        ///< Left out: they lie in the document, out of the search's reach.
-    long long texturesWithoutPlace = 0;  ///< Faces that show an image and have no texture coordinates.
+    long long texturesWithoutPlace = 0;  ///< Left out: their surfaces have no texture coordinates.
     long long decalsWithoutPlace = 0;    ///< Left out: no mapping, or one without finite numbers.
     long long decalsBesideFaces = 0;     ///< Left out: the image lies beside its face.
 };

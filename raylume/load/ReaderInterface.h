@@ -435,7 +435,7 @@ public:
     /// True when the document yields no model.
     virtual bool isRejected();
 
-    bool rejected = false;  ///< What isRejected answers.
+    bool rejected = false;                           ///< What isRejected answers.
     ovPointerArray<moLight_c>* lightData = nullptr;  ///< May be null.
     ovScene_c* sceneHolder = nullptr;                ///< May be null.
     mgXform_c viewXform;
@@ -585,6 +585,12 @@ public:
     ~suStructuredStorage() override;
 
     int isOpen() const override;
+    bool openSubStorage(const std::wstring& name, int forWrite, int, int) override;
+    IStorage* subStorageInterface() override;
+    IUnknown* secondInterface() override;
+    void endOpen() override;
+    unsigned long loadVersion() const override;
+    unsigned long loadDLVersion() const override;
 
 private:
     class State;

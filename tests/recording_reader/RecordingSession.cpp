@@ -277,3 +277,34 @@ int suStructuredStorage::isOpen() const
     record("suStructuredStorage::isOpen(" + state_->path + ")");
     return state_->open ? 1 : 0;
 }
+
+// What is recorded is the same for both classes.
+bool suStructuredStorage::openSubStorage(const std::wstring& name, int forWrite, int third, int fourth)
+{
+    return suFileStorage::openSubStorage(name, forWrite, third, fourth);
+}
+
+IStorage* suStructuredStorage::subStorageInterface()
+{
+    return suFileStorage::subStorageInterface();
+}
+
+IUnknown* suStructuredStorage::secondInterface()
+{
+    return suFileStorage::secondInterface();
+}
+
+void suStructuredStorage::endOpen()
+{
+    suFileStorage::endOpen();
+}
+
+unsigned long suStructuredStorage::loadVersion() const
+{
+    return suFileStorage::loadVersion();
+}
+
+unsigned long suStructuredStorage::loadDLVersion() const
+{
+    return suFileStorage::loadDLVersion();
+}

@@ -1,0 +1,133 @@
+#include "raylume/platform/posix/CompoundGsf.h"
+
+#include <gsf/gsf-input-impl.h>
+
+#include <mutex>
+#include <new>
+#include <vector>
+
+namespace platform::compound {
+
+namespace {
+
+using File = std::shared_ptr<const FileBytes>;
+
+// What the type system of GLib wants of a class: plain data, made and ended by functions.
+struct FileInput {
+    GsfInput base;
+    File* file;
+    std::vector<guint8>* buffer;
+};
+
+struct FileInputClass {
+    GsfInputClass base;
+};
+
+GObjectClass* parentClass = nullptr;
+
+FileInput* asFileInput(void* object)
+{
+    return static_cast<FileInput*>(object);
+}
+
+void finalizeInput(GObject* object)
+{
+    FileInput* input = asFileInput(object);
+    delete input->file;
+    delete input->buffer;
+    parentClass->finalize(object);
+}
+
+// One zero more than was asked for: libgsf looks for the end of a text in what it gets.
+guint8* ownBuffer(FileInput& input, std::size_t count)
+{
+    try {
+        if (input.buffer->size() < count + 1)
+            input.buffer->resize(count + 1);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+    (*input.buffer)[count] = 0;
+    return input.buffer->data();
+}
+
+const guint8* readInput(GsfInput* object, size_t count, guint8* buffer)
+{
+    FileInput* input = asFileInput(object);
+    guint8* to = buffer ? buffer : ownBuffer(*input, count);
+    if (!to || object->cur_offset < 0)
+        return nullptr;
+    return (*input->file)->read(static_cast<std::uint64_t>(object->cur_offset), to, count) ? to : nullptr;
+}
+
+// The base class keeps the place, which is all there is.
+gboolean seekInput(GsfInput*, gsf_off_t, GSeekType)
+{
+    return FALSE;
+}
+
+GsfInput* newInput(const File& file);
+
+GsfInput* duplicateInput(GsfInput* object, GError**)
+{
+    return newInput(*asFileInput(object)->file);
+}
+
+void initialiseClass(gpointer made, gpointer)
+{
+    auto* type = static_cast<FileInputClass*>(made);
+    parentClass = static_cast<GObjectClass*>(g_type_class_peek_parent(made));
+    type->base.g_object_class.finalize = finalizeInput;
+    type->base.Dup = duplicateInput;
+    type->base.Read = readInput;
+    type->base.Seek = seekInput;
+}
+
+void initialiseInput(GTypeInstance* instance, gpointer)
+{
+    FileInput* input = asFileInput(instance);
+    input->file = new File;
+    input->buffer = new std::vector<guint8>;
+}
+
+GType inputType()
+{
+    static const GType type =
+        g_type_register_static_simple(GSF_INPUT_TYPE, "RaylumeCompoundInput", sizeof(FileInputClass),
+                                      initialiseClass, sizeof(FileInput), initialiseInput, GTypeFlags(0));
+    return type;
+}
+
+GsfInput* newInput(const File& file)
+{
+    auto* input = static_cast<FileInput*>(g_object_new(inputType(), nullptr));
+    *input->file = file;
+    gsf_input_set_size(&input->base, static_cast<gsf_off_t>(file->size()));
+    return &input->base;
+}
+
+void swallow(const gchar*, GLogLevelFlags, const gchar*, gpointer)
+{
+}
+
+}  // namespace
+
+void prepareGsf()
+{
+    static std::once_flag once;
+    std::call_once(once, [] {
+        gsf_init();
+        const auto levels =
+            static_cast<GLogLevelFlags>(G_LOG_LEVEL_MASK | G_LOG_FLAG_FATAL | G_LOG_FLAG_RECURSION);
+        for (const char* domain : {"libgsf", "libgsf:msole"})
+            g_log_set_handler(domain, levels, swallow, nullptr);
+    });
+}
+
+Object<GsfInput> makeGsfInput(std::shared_ptr<const FileBytes> file)
+{
+    prepareGsf();
+    return Object<GsfInput>(newInput(file));
+}
+
+}  // namespace platform::compound

@@ -1,0 +1,314 @@
+#include "raylume/platform/posix/CompoundWriter.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <utility>
+
+#include "raylume/platform/Text.h"
+#include "raylume/platform/posix/CompoundFileDescriptor.h"
+#include "raylume/platform/posix/CompoundGsf.h"
+
+namespace platform::compound {
+
+namespace {
+
+std::string folderOf(const std::string& path)
+{
+    const std::size_t cut = path.rfind('/');
+    if (cut == std::string::npos)
+        return ".";
+    return cut == 0 ? "/" : path.substr(0, cut);
+}
+
+// A write past the size limit of the process raises a signal, which ends a host that does not expect
+// it. The error alone is enough.
+class QuietSizeLimit {
+public:
+    QuietSizeLimit()
+    {
+        sigemptyset(&limit_);
+        sigaddset(&limit_, SIGXFSZ);
+        sigset_t pending;
+        sigpending(&pending);
+        wasPending_ = sigismember(&pending, SIGXFSZ) == 1;
+        pthread_sigmask(SIG_BLOCK, &limit_, &before_);
+    }
+    QuietSizeLimit(const QuietSizeLimit&) = delete;
+    QuietSizeLimit& operator=(const QuietSizeLimit&) = delete;
+    ~QuietSizeLimit()
+    {
+        const timespec now = {0, 0};
+        while (!wasPending_ && sigtimedwait(&limit_, nullptr, &now) > 0) {
+        }
+        pthread_sigmask(SIG_SETMASK, &before_, nullptr);
+    }
+
+private:
+    sigset_t limit_;
+    sigset_t before_;
+    bool wasPending_ = false;
+};
+
+// The new file until it has taken its place; goes without a trace when it does not.
+class NewFile {
+public:
+    explicit NewFile(std::string target) : target_(std::move(target)), folder_(folderOf(target_)) {}
+    NewFile(const NewFile&) = delete;
+    NewFile& operator=(const NewFile&) = delete;
+    ~NewFile()
+    {
+        if (!name_.empty())
+            unlink(name_.c_str());
+    }
+
+    HResult open()
+    {
+        openNameless();
+        if (!file_.isOpen())
+            openNamed();
+        return file_.isOpen() ? takePermissions() : resultOfErrno(errno);
+    }
+
+    int number() const { return file_.number(); }
+
+    HResult replaceTarget()
+    {
+        if (fsync(file_.number()) != 0 || (name_.empty() && !giveName()) ||
+            rename(name_.c_str(), target_.c_str()) != 0)
+            return resultOfErrno(errno);
+        name_.clear();
+        // The rename is done; that it lasts is all that is left to ask for.
+        const Descriptor folder(::open(folder_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        if (folder.isOpen())
+            fsync(folder.number());
+        return kStorageOk;
+    }
+
+private:
+    // A file without a name leaves nothing behind when the process is killed. It gets its name by way
+    // of the process's folder of open files.
+    void openNameless()
+    {
+        if (access("/proc/self/fd", X_OK) == 0)
+            file_ = Descriptor(::open(folder_.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600));
+    }
+
+    void openNamed()
+    {
+        std::string pattern = hiddenName();
+        file_ = Descriptor(mkostemp(pattern.data(), O_CLOEXEC));
+        if (file_.isOpen())
+            name_ = pattern;
+    }
+
+    std::string hiddenName() const { return folder_ + "/.raylume-XXXXXX"; }
+
+    bool giveName()
+    {
+        const std::string opened = "/proc/self/fd/" + std::to_string(file_.number());
+        for (int attempt = 0; attempt < 100; ++attempt) {
+            std::string name = hiddenName();
+            // Only the name is wanted, and that it was free a moment ago.
+            const Descriptor placeholder(mkostemp(name.data(), O_CLOEXEC));
+            if (!placeholder.isOpen() || unlink(name.c_str()) != 0)
+                return false;
+            if (linkat(AT_FDCWD, opened.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0) {
+                name_ = name;
+                return true;
+            }
+            if (errno != EEXIST)
+                return false;
+        }
+        return false;
+    }
+
+    // Those of the old file, or what a new file gets.
+    HResult takePermissions()
+    {
+        struct stat old;
+        if (stat(target_.c_str(), &old) != 0) {
+            const mode_t mask = umask(0);
+            umask(mask);
+            return fchmod(file_.number(), 0666 & ~mask) == 0 ? kStorageOk : resultOfErrno(errno);
+        }
+        // Only root may give files away; whoever else writes becomes the owner.
+        if (fchown(file_.number(), old.st_uid, old.st_gid) != 0) {
+        }
+        return fchmod(file_.number(), old.st_mode & 07777) == 0 ? kStorageOk : resultOfErrno(errno);
+    }
+
+    std::string target_;
+    std::string folder_;
+    Descriptor file_;
+    std::string name_;
+};
+
+// What libgsf writes to; it keeps the first error, whatever libgsf makes of it.
+class Sink {
+public:
+    explicit Sink(int number) : file_(fdopen(dup(number), "wb")) {}
+    Sink(const Sink&) = delete;
+    Sink& operator=(const Sink&) = delete;
+    ~Sink()
+    {
+        if (file_)
+            std::fclose(file_);
+    }
+
+    std::FILE* file() const { return file_; }
+
+    HResult finish()
+    {
+        errno = 0;
+        const bool good = std::fflush(file_) == 0 && std::ferror(file_) == 0;
+        return good ? kStorageOk : kStorageWriteFault;
+    }
+
+private:
+    std::FILE* file_;
+};
+
+// Whether a tree can be written at all, asked before anything is.
+class Inspection {
+public:
+    HResult inspect(const Element& storage)
+    {
+        if (!census_.add(storage.children().size()))
+            return kStorageTooLarge;
+        for (const ElementPtr& child : storage.children()) {
+            const HResult result = inspectChild(*child);
+            if (result < 0)
+                return result;
+        }
+        return kStorageOk;
+    }
+
+private:
+    // A file of another program may have names that nobody may give; they stay as they are if libgsf
+    // can write them.
+    static bool canBeWritten(const std::wstring& name)
+    {
+        return !name.empty() && utf16Length(name) <= 31 && fromUtf8(toUtf8(name)) == name;
+    }
+
+    HResult inspectChild(const Element& child)
+    {
+        if (!canBeWritten(child.name()))
+            return kStorageInvalidName;
+        return child.kind() == Kind::kStorage ? inspect(child) : kStorageOk;
+    }
+
+    Census census_;
+};
+
+class GsfTreeWriter {
+public:
+    HResult write(Element& root, std::FILE* file, std::size_t sectorSize)
+    {
+        prepareGsf();
+        const Object<GsfOutput> sink(gsf_output_stdio_new_FILE("", file, TRUE));
+        const Object<GsfOutfile> outfile(
+            gsf_outfile_msole_new_full(sink.get(), static_cast<guint>(sectorSize), 64));
+        const HResult result = fill(outfile.get(), root);
+        // Closed in any case: libgsf complains of an end without.
+        const bool closed = gsf_output_close(GSF_OUTPUT(outfile.get()));
+        return result < 0 ? result : closed ? kStorageOk : kStorageWriteFault;
+    }
+
+private:
+    // As deep as storages nest, which is limited.
+    HResult fill(GsfOutfile* outfile, Element& storage)
+    {
+        gsf_outfile_msole_set_class_id(GSF_OUTFILE_MSOLE(outfile), storage.classId.data());
+        for (const ElementPtr& child : storage.children()) {
+            const HResult result = writeChild(outfile, *child);
+            if (result < 0)
+                return result;
+        }
+        return kStorageOk;
+    }
+
+    HResult writeChild(GsfOutfile* outfile, Element& child)
+    {
+        const bool isStorage = child.kind() == Kind::kStorage;
+        const Object<GsfOutput> made(newChild(outfile, child, isStorage));
+        if (!made)
+            return kStorageWriteFault;
+        const HResult result =
+            isStorage ? fill(GSF_OUTFILE(made.get()), child) : writeStream(made.get(), child);
+        const bool closed = gsf_output_close(made.get());
+        return result < 0 ? result : closed ? kStorageOk : kStorageWriteFault;
+    }
+
+    static GsfOutput* newChild(GsfOutfile* outfile, const Element& child, bool isStorage)
+    {
+        const std::string name = toUtf8(child.name());
+        if (!isStorage || !child.modified)
+            return gsf_outfile_new_child(outfile, name.c_str(), isStorage);
+        GDateTime* seconds = g_date_time_new_from_unix_utc(*child.modified / 1000000);
+        GDateTime* time = seconds ? g_date_time_add(seconds, *child.modified % 1000000) : nullptr;
+        GsfOutput* made = gsf_outfile_new_child_full(outfile, name.c_str(), TRUE, "modtime", time, nullptr);
+        for (GDateTime* used : {seconds, time})
+            if (used)
+                g_date_time_unref(used);
+        return made;
+    }
+
+    static HResult writeStream(GsfOutput* output, Element& stream)
+    {
+        return copyBytes(stream, [output](const void* piece, std::size_t count) {
+            return gsf_output_write(output, count, static_cast<const guint8*>(piece)) != FALSE;
+        });
+    }
+};
+
+class FileWriter final : public TreeWriter {
+public:
+    FileWriter(std::string path, std::size_t sectorSize) : path_(std::move(path)), sectorSize_(sectorSize)
+    {
+    }
+
+    HResult write(Element& root) override
+    {
+        const HResult result = Inspection().inspect(root);
+        if (result < 0)
+            return result;
+        const QuietSizeLimit quiet;
+        NewFile file(path_);
+        const HResult opened = file.open();
+        return opened < 0 ? opened : writeInto(file, root);
+    }
+
+private:
+    HResult writeInto(NewFile& file, Element& root) const
+    {
+        Sink sink(file.number());
+        if (!sink.file())
+            return resultOfErrno(errno);
+        HResult result = GsfTreeWriter().write(root, sink.file(), sectorSize_);
+        // libgsf drops some of its own failures; the file does not.
+        const HResult finished = sink.finish();
+        if (result >= 0)
+            result = finished;
+        return result < 0 ? result : file.replaceTarget();
+    }
+
+    std::string path_;
+    std::size_t sectorSize_;
+};
+
+}  // namespace
+
+std::unique_ptr<TreeWriter> makeFileWriter(std::string path, std::size_t sectorSize)
+{
+    return std::make_unique<FileWriter>(std::move(path), sectorSize);
+}
+
+}  // namespace platform::compound

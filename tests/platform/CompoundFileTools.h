@@ -1,0 +1,134 @@
+// Shorthand for compound files in tests.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <string>
+#include <utility>
+
+#include "raylume/platform/CompoundFile.h"
+#include "raylume/platform/Text.h"
+
+namespace compound_tests {
+
+/// One reference to a storage or a stream.
+template <class Interface>
+class Held {
+public:
+    Held() = default;
+    explicit Held(Interface* interface) : interface_(interface) {}
+    Held(Held&& other) noexcept : interface_(std::exchange(other.interface_, nullptr)) {}
+    Held& operator=(Held&& other) noexcept
+    {
+        std::swap(interface_, other.interface_);
+        return *this;
+    }
+    ~Held() { reset(); }
+
+    void reset()
+    {
+        if (interface_)
+            std::exchange(interface_, nullptr)->Release();
+    }
+    /// Where an operation stores what it gives.
+    Interface** out()
+    {
+        reset();
+        return &interface_;
+    }
+    Interface* get() const { return interface_; }
+    Interface* operator->() const { return interface_; }
+    explicit operator bool() const { return interface_ != nullptr; }
+
+private:
+    Interface* interface_ = nullptr;
+};
+
+using Storage = Held<IStorage>;
+using Stream = Held<IStream>;
+
+inline constexpr std::uint32_t kReading = kModeExclusive + kModeRead;
+inline constexpr std::uint32_t kWriting = kModeExclusive + kModeReadWrite;
+
+/// A result as it is published, for a message that can be read.
+inline std::uint32_t code(HResult result)
+{
+    return static_cast<std::uint32_t>(result);
+}
+
+#define EXPECT_RESULT(expected, actual) \
+    EXPECT_EQ(compound_tests::code(static_cast<HResult>(expected)), compound_tests::code(actual))
+#define ASSERT_RESULT(expected, actual) \
+    ASSERT_EQ(compound_tests::code(static_cast<HResult>(expected)), compound_tests::code(actual))
+
+inline std::string readAll(IStream& stream)
+{
+    std::string bytes;
+    char piece[5000];
+    std::uint32_t count = 0;
+    HResult result;
+    while ((result = stream.Read(piece, sizeof(piece), &count)) == 0 && count > 0)
+        bytes.append(piece, count);
+    EXPECT_RESULT(0, result);
+    return bytes;
+}
+
+/// The bytes of a stream; the text "no stream" when it does not open.
+inline std::string bytesOf(IStorage& storage, const wchar_t* name)
+{
+    Stream stream;
+    const HResult result = storage.OpenStream(name, kReading, stream.out());
+    return result == 0 ? readAll(*stream.get()) : "no stream";
+}
+
+inline void put(IStorage& storage, const wchar_t* name, const std::string& bytes)
+{
+    Stream stream;
+    ASSERT_RESULT(0, storage.CreateStream(name, kWriting, stream.out()));
+    std::uint32_t count = 0;
+    ASSERT_RESULT(0, stream->Write(bytes.data(), static_cast<std::uint32_t>(bytes.size()), &count));
+    ASSERT_EQ(count, bytes.size());
+}
+
+inline Storage createIn(IStorage& storage, const wchar_t* name)
+{
+    Storage made;
+    EXPECT_RESULT(0, storage.CreateStorage(name, kWriting, made.out()));
+    return made;
+}
+
+inline Storage openIn(IStorage& storage, const wchar_t* name, std::uint32_t mode = kReading)
+{
+    Storage opened;
+    EXPECT_RESULT(0, storage.OpenStorage(name, mode, opened.out())) << platform::toUtf8(name);
+    return opened;
+}
+
+inline Storage openFile(const std::string& path, bool writable = false)
+{
+    Storage root;
+    EXPECT_RESULT(0, platform::openCompoundFile(platform::fromUtf8(path), writable, root.out())) << path;
+    return root;
+}
+
+inline Storage createFile(const std::string& path, bool replace = false)
+{
+    Storage root;
+    EXPECT_RESULT(0, platform::createCompoundFile(platform::fromUtf8(path), replace, root.out())) << path;
+    return root;
+}
+
+/// Bytes that differ from one place to the next and from one seed to the next.
+inline std::string pattern(std::size_t size, unsigned seed = 1)
+{
+    std::string bytes(size, '\0');
+    std::uint32_t state = seed * 2654435761u + 1;
+    for (char& byte : bytes) {
+        state = state * 1664525u + 1013904223u;
+        byte = static_cast<char>(state >> 24);
+    }
+    return bytes;
+}
+
+}  // namespace compound_tests
