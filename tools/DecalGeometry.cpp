@@ -52,18 +52,28 @@ bool isZero(const float* v)
     return v[0] == 0 && v[1] == 0 && v[2] == 0;
 }
 
-// Weighted by area, which the normals of the vertices are not.
+Vector at(const std::vector<float>& numbers, std::uint32_t vertex)
+{
+    const float* p = numbers.data() + 3 * static_cast<std::size_t>(vertex);
+    return {p[0], p[1], p[2]};
+}
+
+// By the normals of the vertices, since documents do not wind all triangles alike, but weighted by area:
+// where a face is curved it has more vertices.
 Vector meanNormal(const FaceGeometry& face)
 {
     Vector sum;
-    const auto corner = [&face](std::size_t i) {
-        const float* p = face.positions.data() + 3 * static_cast<std::size_t>(face.indices[i]);
-        return Vector{p[0], p[1], p[2]};
-    };
     for (std::size_t i = 0; i + 2 < face.indices.size(); i += 3) {
-        const Vector a = corner(i), b = corner(i + 1), c = corner(i + 2);
-        const Vector area = cross({b.x - a.x, b.y - a.y, b.z - a.z}, {c.x - a.x, c.y - a.y, c.z - a.z});
-        sum = {sum.x + area.x, sum.y + area.y, sum.z + area.z};
+        const std::uint32_t* corners = face.indices.data() + i;
+        const Vector a = at(face.positions, corners[0]);
+        const Vector b = at(face.positions, corners[1]);
+        const Vector c = at(face.positions, corners[2]);
+        const Vector across = cross({b.x - a.x, b.y - a.y, b.z - a.z}, {c.x - a.x, c.y - a.y, c.z - a.z});
+        const double area = std::sqrt(dot(across, across));
+        for (int corner = 0; corner < 3; ++corner) {
+            const Vector normal = at(face.normals, corners[corner]);
+            sum = {sum.x + area * normal.x, sum.y + area * normal.y, sum.z + area * normal.z};
+        }
     }
     return sum;
 }

@@ -22,8 +22,8 @@ public:
     /// None when the texture has no mapping, or numbers that give no place: a scale of zero or one that
     /// is not finite, directions that make no plane.
     static std::optional<DecalProjection> of(const dlTexture& texture);
-    /// The same for a texture without directions, in the plane that the face has on the whole: its mean
-    /// normal's largest axis, as the box projection takes it.
+    /// The same for a texture without directions, in the plane that the face has on the whole: the
+    /// largest axis of its mean normal, as the box projection takes it.
     static std::optional<DecalProjection> of(const dlTexture& texture, const FaceGeometry& face);
 
     /// As glTF counts it: v downwards from the top of the image.

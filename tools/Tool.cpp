@@ -260,10 +260,10 @@ private:
     {
         sayIfAny(notes.imagesMissing, "image", "not found; \"materials\" tells where they were looked for");
         sayIfAny(notes.imagesUnreadable, "image", "files that cannot be read as images");
-        sayIfAny(notes.imagesEmbedded, "image", "they lie in the document itself");
+        sayIfAny(notes.imagesEmbedded, "image", "inside the document itself, where they cannot be reached");
         sayIfAny(notes.texturesWithoutPlace, "texture", "surfaces without texture coordinates");
         sayIfAny(notes.decalsWithoutPlace, "decal", "no placement that could be used");
-        sayIfAny(notes.decalsBesideFaces, "decal", "they lie beside their faces");
+        sayIfAny(notes.decalsBesideFaces, "decal", "beside their faces");
     }
 
     void sayWhatIsMissing(const ExportNotes& notes)

@@ -138,12 +138,14 @@ TEST(DecalProjection, without_directions_takes_the_plane_of_the_face)
         return uv;
     };
     expectAt(at(2, 1, 0), 1, 0);
+    // The side that the normals name counts, whichever way the triangles wind.
     std::swap(face.indices[1], face.indices[2]);
-    std::swap(face.indices[4], face.indices[5]);
+    expectAt(at(2, 1, 0), 1, 0);
+    face.normals = {0, 0, -1, 0, 0, -1, 0, 0, -1, 0, 0, -1};
     expectAt(at(2, -1, 0), 1, 0);
     // Upright in the plane x = 0, seen from +x.
     face.positions = {0, 0, 0, 0, 4, 0, 0, 4, 4, 0, 0, 4};
-    face.indices = {0, 1, 2, 0, 2, 3};
+    face.normals = {1, 0, 0, 1, 0, 0, 1, 0, 0, 1, 0, 0};
     expectAt(at(0, 2, 1), 1, 0);
 }
 
@@ -209,7 +211,7 @@ TEST(DecalLift, is_small_rises_with_the_layer_and_survives_rounding)
     const float first = tool::decalLift(face, 0);
     EXPECT_GT(first, 0);
     EXPECT_LT(first, 0.001f * 4);
-    EXPECT_EQ(tool::decalLift(face, 2), 3 * first);
+    EXPECT_FLOAT_EQ(tool::decalLift(face, 2), 3 * first);
     for (std::size_t i = 0; i < 4; ++i)
         face.positions[3 * i + 2] = 1e6f;
     EXPECT_NE(1e6f + tool::decalLift(face, 0), 1e6f);

@@ -148,7 +148,8 @@ TEST(ExportedTextures, as_they_lie_need_no_extension)
 {
     const Folder folder;
     tool_test::writeFile(folder / "wood.png", pngFile(5, 3));
-    const Exported exported(tool_test::writeTextured(folder / "a", {"wood.png"}, {textured(0)}));
+    const Exported exported(
+        tool_test::writeTextured(folder / "a", {"wood.png"}, json::array({textured(0)})));
     EXPECT_FALSE(exported.content.contains("extensionsUsed"));
     EXPECT_EQ(exported.materialOf(exported.primitive(0, 0))["pbrMetallicRoughness"]["baseColorTexture"],
               json::parse(R"({"index": 0})"));
@@ -189,7 +190,7 @@ TEST(ExportedTextures, of_an_exported_file_lie_in_it_and_are_counted)
     tool_test::writeFile(folder / "wood.png", pngFile(5, 3));
     const Exported first(tool_test::writeTextured(folder / "a", {"wood.png"}, {textured(0), textured(0)}));
     const Exported second(
-        tool_test::writeTextured(folder / "b", {"data:image/png;base64,AA=="}, {textured(0)}));
+        tool_test::writeTextured(folder / "b", {"data:image/png;base64,AA=="}, json::array({textured(0)})));
     EXPECT_EQ(first.notes.imagesEmbedded, 0);
     EXPECT_EQ(second.notes.imagesEmbedded, 1);
     EXPECT_FALSE(second.content.contains("images"));
@@ -199,7 +200,8 @@ TEST(ExportedTextures, need_texture_coordinates)
 {
     const Folder folder;
     tool_test::writeFile(folder / "wood.png", pngFile(5, 3));
-    const Exported exported(tool_test::writeTextured(folder / "a", {"wood.png"}, {textured(0)}, false));
+    const Exported exported(
+        tool_test::writeTextured(folder / "a", {"wood.png"}, json::array({textured(0)}), false));
     exported.expectValid();
     EXPECT_FALSE(exported.content.contains("images"));
     EXPECT_EQ(exported.notes.texturesWithoutPlace, 1);
