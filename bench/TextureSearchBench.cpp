@@ -51,7 +51,7 @@ public:
             std::abort();
         }
         path_ = pattern;
-        for (const char* folder : {"c:/jobs/doc", "c:/maps", "c:/more", "here"}) {
+        for (const char* folder : {"c:/jobs/doc", "c:/maps", "c:/more", "here", "app/Data"}) {
             std::filesystem::create_directories(path_ / folder);
         }
         for (int i = 0; i < files; ++i) {
@@ -60,6 +60,7 @@ public:
         std::ofstream(path_ / "c:/jobs/doc/__ImageLocations__.txt")
             << "CUSTOM_APPEARANCE_FOLDERS\tC:\\maps;C:\\more\nDEFAULT_COLOR\t255\n";
         platform::setEnvironmentVariable("RAYLUME_DRIVES", path_.string());
+        platform::setEnvironmentVariable("RAYLUME_HOST", (path_ / "app/bin/host").string());
         platform::setEnvironmentVariable("RAYLUME_REGISTRY", (path_ / "none.reg").string());
         std::filesystem::current_path(path_ / "here");
         // Folders that just changed are listed each time.

@@ -21,7 +21,7 @@ void require(bool condition)
     }
 }
 
-// A folder of the process's own, which is also its one drive, its current folder and its settings.
+// A folder of the process's own with one drive.
 class Folder {
 public:
     Folder()
@@ -34,7 +34,6 @@ public:
         std::ofstream(path_ / "c:/maps/found.png");
         platform::setEnvironmentVariable("RAYLUME_DRIVES", path_.string());
         platform::setEnvironmentVariable("RAYLUME_REGISTRY", (path_ / "none.reg").string());
-        std::filesystem::current_path(path_);
     }
     ~Folder()
     {

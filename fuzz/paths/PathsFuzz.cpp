@@ -34,7 +34,6 @@ public:
         std::ofstream(path_ + "/c:/Jobs/Maps/Oak.jpg");
         std::ofstream(path_ + "/c:/Jobs/oak.JPG");
         platform::setEnvironmentVariable("RAYLUME_DRIVES", path_);
-        std::filesystem::current_path(path_ + "/c:/Jobs");
     }
     ~Drives()
     {

@@ -181,7 +181,7 @@ TEST_F(MaskFiles, are_numbered_and_used_again)
     const std::wstring second = cutOut(image, {kGreen});
     EXPECT_EQ(second.substr(second.size() - 6), L"\\2.bmp");
     EXPECT_EQ(cutOut(image, {kRed}), first);
-    EXPECT_EQ(cutOut(folder.wide() + L"\\IMAGE.bmp", {kRed}), first);
+    EXPECT_EQ(cutOut(folder.wide() + L"/IMAGE.bmp", {kRed}), first);
 }
 
 TEST_F(MaskFiles, of_an_image_that_is_missing_have_a_path_that_the_next_one_takes)

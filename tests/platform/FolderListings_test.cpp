@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
@@ -134,6 +135,20 @@ TEST_F(Listings, SettleATieByTheOrderOfBytesWhetherKeptOrNot)
     EXPECT_EQ(listings_.readCount(), 2u);
 }
 
+TEST_F(Listings, PreferTheExactNameWhetherKeptOrNot)
+{
+    for (const char* name : {"oak.jpg", "oAK.jpg", "OAk.jpg", "oaK.jpg"}) {
+        folder_.write(name, "");
+    }
+    for (const std::time_t age : {0, 3, 3}) {
+        for (const char* name : {"oak.jpg", "oAK.jpg", "OAk.jpg", "oaK.jpg"}) {
+            stand(age);
+            EXPECT_EQ(find(name), name);
+        }
+    }
+    EXPECT_EQ(listings_.readCount(), 5u);
+}
+
 TEST_F(Listings, MeetNamesThatAreNoUtf8)
 {
     folder_.write("caf\xE9.txt", "");
@@ -151,6 +166,19 @@ TEST_F(Listings, TellWhatIsNoFolder)
     EXPECT_TRUE(listings_.find(folder_.path(), "a").isFolder);
     EXPECT_TRUE(listings_.find("", "a").isFolder);
     EXPECT_EQ(listings_.readCount(), 2u);
+}
+
+TEST_F(Listings, LetAnExactNameThroughThatTheFolderDoesNotList)
+{
+    if (geteuid() == 0) {
+        GTEST_SKIP() << "this user may list every folder";
+    }
+    folder_.makeFolder("Closed");
+    folder_.write("Closed/Oak.jpg", "");
+    std::filesystem::permissions(folder_ / "Closed", std::filesystem::perms::owner_exec);
+    EXPECT_EQ(listings_.find(folder_ / "Closed", "Oak.jpg").name, "Oak.jpg");
+    EXPECT_EQ(listings_.find(folder_ / "Closed/", "oak.jpg").name, std::nullopt);
+    std::filesystem::permissions(folder_ / "Closed", std::filesystem::perms::owner_all);
 }
 
 TEST_F(Listings, OfAFolderTooLargeAreReadEachTime)

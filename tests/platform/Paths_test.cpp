@@ -178,6 +178,16 @@ TEST_P(DrivePath, LiesInTheFolderOfDrives)
 INSTANTIATE_TEST_SUITE_P(Rows, DrivePath, testing::ValuesIn(kDriveCases),
                          [](const auto& row) { return row.param.name; });
 
+TEST_F(NativePath, TakesTheDriveOfTheExactName)
+{
+    folder_.makeFolder("c:/Here");
+    folder_.makeFolder("C:/There");
+    const ScopedVariable variable("RAYLUME_DRIVES", folder_.path());
+    EXPECT_EQ(platform::nativePath(L"C:\\THERE"), folder_ / "C:/There");
+    EXPECT_EQ(platform::nativePath(L"c:\\HERE"), folder_ / "c:/Here");
+    EXPECT_EQ(platform::nativePath(L"C:\\here"), folder_ / "C:/here");
+}
+
 // A link within a drive is the user's own doing, but a way back from it is one of the text.
 TEST_F(NativePath, LeadsBackFromALinkByTheTextAlone)
 {
