@@ -12,11 +12,13 @@
 //   operations that answer by configuration are virtual and answer from the members beside them.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <list>
 #include <map>
 #include <set>
 #include <string>
+#include <type_traits>
 
 #include "raylume/load/ReaderMaths.h"
 #include "raylume/platform/CompoundFile.h"
@@ -53,6 +55,58 @@ struct ovArrayView {
     long long count = 0;
 };
 
+/// Where a list is stored, and where it comes from. Whoever serializes a list brings one.
+class ovListArchive {
+public:
+    virtual bool isStoring() const = 0;
+    /// Exactly `size` bytes; raises when they are not there.
+    virtual void read(void* bytes, std::size_t size) = 0;
+    virtual void write(const void* bytes, std::size_t size) = 0;
+
+    /// A count takes 2 bytes; from 0xFFFF on these are FF FF and 4 more follow; from 0xFFFFFFFF on all
+    /// six are FF and 8 more follow. Little-endian, as everything here.
+    void writeCount(std::uint64_t count)
+    {
+        if (count < 0xFFFFu)
+            return writeNumber(count, 2);
+        writeNumber(0xFFFFu, 2);
+        if (count < 0xFFFFFFFFu)
+            return writeNumber(count, 4);
+        writeNumber(0xFFFFFFFFu, 4);
+        writeNumber(count, 8);
+    }
+
+    std::uint64_t readCount()
+    {
+        const std::uint64_t word = readNumber(2);
+        if (word < 0xFFFFu)
+            return word;
+        const std::uint64_t longer = readNumber(4);
+        return longer < 0xFFFFFFFFu ? longer : readNumber(8);
+    }
+
+    void writeNumber(std::uint64_t number, int size)
+    {
+        unsigned char bytes[8];
+        for (int i = 0; i < size; ++i)
+            bytes[i] = static_cast<unsigned char>(number >> 8 * i);
+        write(bytes, static_cast<std::size_t>(size));
+    }
+
+    std::uint64_t readNumber(int size)
+    {
+        unsigned char bytes[8];
+        read(bytes, static_cast<std::size_t>(size));
+        std::uint64_t number = 0;
+        for (int i = size - 1; i >= 0; --i)
+            number = number << 8 | bytes[i];
+        return number;
+    }
+
+protected:
+    ~ovListArchive() = default;
+};
+
 /// A list with the names of the platform's application framework. Elements go by value.
 template <class Type, class Argument>
 class CList {
@@ -62,6 +116,21 @@ public:
     void AddTail(Argument element) { elements_.push_back(element); }
     void RemoveAll() { elements_.clear(); }
     long long GetCount() const { return static_cast<long long>(elements_.size()); }
+
+    /// The count, then the 8 bytes of each element, which is a pointer and means nothing to another
+    /// process. Loading appends at the tail; when the archive raises, the elements before stay.
+    void Serialize(ovListArchive& archive)
+    {
+        static_assert(std::is_pointer_v<Type>);
+        if (archive.isStoring()) {
+            archive.writeCount(elements_.size());
+            for (Type element : elements_)
+                archive.writeNumber(reinterpret_cast<std::uintptr_t>(element), 8);
+            return;
+        }
+        for (std::uint64_t left = archive.readCount(); left > 0; --left)
+            AddTail(reinterpret_cast<Type>(static_cast<std::uintptr_t>(archive.readNumber(8))));
+    }
 
 private:
     std::list<Type> elements_;

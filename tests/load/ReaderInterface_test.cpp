@@ -60,6 +60,108 @@ TEST(ReaderList, HandsOutWhatItWasGiven)
     EXPECT_EQ(list.GetCount(), 0);
 }
 
+// Bytes in memory, with an end.
+class MemoryArchive final : public ovListArchive {
+public:
+    explicit MemoryArchive(bool storing, std::string content = {})
+        : storing_(storing), bytes(std::move(content))
+    {
+    }
+
+    bool isStoring() const override { return storing_; }
+    void read(void* to, std::size_t size) override
+    {
+        if (size > bytes.size() - at_)
+            throw platform::ArchiveError(platform::ArchiveError::kEndOfFile, L"memory");
+        bytes.copy(static_cast<char*>(to), size, at_);
+        at_ += size;
+    }
+    void write(const void* from, std::size_t size) override
+    {
+        bytes.append(static_cast<const char*>(from), size);
+    }
+    std::size_t left() const { return bytes.size() - at_; }
+
+private:
+    bool storing_;
+    std::size_t at_ = 0;
+
+public:
+    std::string bytes;
+};
+
+using Items = CList<CRectItem*, CRectItem*>;
+
+CRectItem* item(std::uint64_t number)
+{
+    return reinterpret_cast<CRectItem*>(static_cast<std::uintptr_t>(number));
+}
+
+std::string stored(Items& list)
+{
+    MemoryArchive archive(true);
+    list.Serialize(archive);
+    return archive.bytes;
+}
+
+TEST(ReaderList, StoresItsCountAndEightBytesAnElement)
+{
+    Items list;
+    EXPECT_EQ(stored(list), std::string(2, '\0'));
+    list.AddTail(item(0x0102030405060708));
+    list.AddTail(nullptr);
+    EXPECT_EQ(stored(list), std::string("\x02\0\x08\x07\x06\x05\x04\x03\x02\x01\0\0\0\0\0\0\0\0", 18));
+    EXPECT_EQ(list.GetCount(), 2);
+}
+
+TEST(ReaderList, AppendsWhatItLoadsAtTheTail)
+{
+    Items list;
+    list.AddTail(item(1));
+    MemoryArchive archive(false, std::string("\x02\0\x02\0\0\0\0\0\0\0\x03\0\0\0\0\0\0\0rest", 22));
+    list.Serialize(archive);
+    EXPECT_EQ(archive.left(), 4u);
+    EXPECT_EQ(stored(list),
+              std::string("\x03\0\x01\0\0\0\0\0\0\0\x02\0\0\0\0\0\0\0\x03\0\0\0\0\0\0\0", 26));
+}
+
+struct CountCase {
+    const char* name;
+    std::uint64_t count;
+    std::string bytes;
+};
+const CountCase kCounts[] = {
+    {"none", 0, std::string(2, '\0')},
+    {"last_in_two_bytes", 0xFFFE, "\xFE\xFF"},
+    {"first_in_four_bytes", 0xFFFF, std::string("\xFF\xFF\xFF\xFF\0\0", 6)},
+    {"last_in_four_bytes", 0xFFFFFFFE, "\xFF\xFF\xFE\xFF\xFF\xFF"},
+    {"first_in_eight_bytes", 0xFFFFFFFF,
+     std::string("\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\0\0\0\0", 14)},
+};
+
+class ListCount : public testing::TestWithParam<CountCase> {};
+TEST_P(ListCount, TakesAsManyBytesAsItNeeds)
+{
+    MemoryArchive storing(true);
+    storing.writeCount(GetParam().count);
+    EXPECT_EQ(storing.bytes, GetParam().bytes);
+    MemoryArchive loading(false, GetParam().bytes);
+    EXPECT_EQ(loading.readCount(), GetParam().count);
+    EXPECT_EQ(loading.left(), 0u);
+}
+INSTANTIATE_TEST_SUITE_P(Rows, ListCount, testing::ValuesIn(kCounts),
+                         [](const auto& row) { return row.param.name; });
+
+TEST(ReaderList, KeepsWhatCameBeforeTheEndOfTheArchive)
+{
+    std::string bytes = "\xFF\xFF\xFE\xFF\xFF\xFF";
+    bytes += std::string("\x07\0\0\0\0\0\0\0half", 12);
+    Items list;
+    MemoryArchive archive(false, bytes);
+    EXPECT_THROW(list.Serialize(archive), platform::ArchiveError);
+    EXPECT_EQ(stored(list), std::string("\x01\0\x07\0\0\0\0\0\0\0", 10));
+}
+
 // The operations exactly as the translators call them, and no stricter.
 
 template <class Class, class Result, class... Arguments>
