@@ -41,14 +41,12 @@ Quaternion nearest(Quaternion rotation, const std::vector<float>& before)
     return rotation;
 }
 
-double earliestTime(const dlModel& model)
+double earliestTime(const PlacementTrack& track)
 {
-    double earliest = 0;
-    for (const auto& [name, tracks] : model.animationTracks)
-        for (const auto& [time, key] : tracks.transforms)
-            if (std::isfinite(time))
-                earliest = std::min(earliest, time);
-    return earliest;
+    for (const auto& [time, key] : track)
+        if (std::isfinite(time) && placementOf(key))
+            return time;
+    return 0;
 }
 
 }  // namespace
@@ -66,9 +64,11 @@ struct PlacementAnimation::Keys {
     }
 };
 
-PlacementAnimation::PlacementAnimation(const dlModel& model, GltfFile& file)
-    : model_(model), file_(file), start_(earliestTime(model))
+PlacementAnimation::PlacementAnimation(const dlModel& model, GltfFile& file) : model_(model), file_(file)
 {
+    for (std::int32_t i = 0; !model.animationTracks.empty() && i < model.instanceCount; ++i)
+        if (const PlacementTrack* const track = trackOf(model.instances[i]))
+            start_ = std::min(start_, earliestTime(*track));
 }
 
 const PlacementTrack* PlacementAnimation::trackOf(const dlInstance& instance) const
@@ -108,6 +108,12 @@ void PlacementAnimation::move(int node, const PlacementTrack& track)
     add("translation", "VEC3", keys.translations);
     add("rotation", "VEC4", keys.rotations);
     add("scale", "VEC3", keys.scales);
+}
+
+void PlacementAnimation::leaveOut(const dlInstance& instance)
+{
+    if (const PlacementTrack* const track = trackOf(instance))
+        file_.notes.placementKeysLeftOut += static_cast<long long>(track->size());
 }
 
 void PlacementAnimation::addChannel(int node, const char* path, int input, int output)

@@ -11,9 +11,9 @@ namespace tool {
 using PlacementTrack = std::map<double, dlTransformKey>;
 
 /// The placements of instances over time. Keys are taken as placements in the model in the order of
-/// dlXform, times as seconds, moved so that none is negative; between keys glTF interpolates linearly. A
-/// key that is sheared, or not finite, or in single precision at the time of the one before, is left
-/// out and counted in the notes.
+/// dlXform, times as seconds, moved so that none that moves an instance is negative; between keys glTF
+/// interpolates linearly. A key that is sheared, or not finite, or in single precision at the time of the
+/// one before, is left out and counted in the notes.
 class PlacementAnimation {
 public:
     PlacementAnimation(const dlModel& model, GltfFile& file);
@@ -23,6 +23,9 @@ public:
 
     /// Moves a node, which must not have a matrix, along a track.
     void move(int node, const PlacementTrack& track);
+
+    /// For an instance that cannot be moved: counts its keys as left out.
+    void leaveOut(const dlInstance& instance);
 
     /// Adds the animation to the file, if anything moves.
     void finish();

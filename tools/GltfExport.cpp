@@ -145,7 +145,7 @@ private:
         if (placed)
             mesh = meshOf(instance);
         else
-            ++file_.notes.instancesWithoutPlace;
+            leaveWithoutPlace(instance);
         Json extras = Json::object();
         if (instance.visible == 0)
             extras["visible"] = 0;
@@ -156,11 +156,19 @@ private:
         return placed ? addPlaced(instance, mesh, node) : file_.nodes.add(node);
     }
 
+    void leaveWithoutPlace(const dlInstance& instance)
+    {
+        ++file_.notes.instancesWithoutPlace;
+        animation_.leaveOut(instance);
+    }
+
     // What is animated must not have a matrix.
     int addPlaced(const dlInstance& instance, std::optional<int> mesh, Json& node)
     {
         const PlacementParts parts = takeApart(instance.xform);
         const PlacementTrack* const track = animation_.trackOf(instance);
+        if (parts.inner)
+            animation_.leaveOut(instance);
         if (!track || parts.inner)
             return addStill(instance.xform, parts, mesh, node);
         if (mesh)

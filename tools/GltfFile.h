@@ -19,7 +19,9 @@ struct ExportNotes {
     long long instancesWithoutPlace = 0;  ///< Without a mesh: the placement is infinite or no number.
     long long lightsWithoutPlace = 0;     ///< Left out: a position or a direction is no finite number.
     long long lightsOfOtherTypes = 0;     ///< Left out: glTF has no such light.
-    long long placementKeysLeftOut = 0;   ///< Times or placements that are sheared or no finite numbers.
+    /// Keys whose placement is sheared, whose numbers are not finite, or whose time is that of the key
+    /// before; all keys of an instance that is itself sheared or without a place.
+    long long placementKeysLeftOut = 0;
 };
 
 /// A model in the form of a glTF file. Holds a copy of all geometry.

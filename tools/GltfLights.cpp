@@ -33,6 +33,16 @@ const char* gltfType(const dlLight& light)
     }
 }
 
+bool hasPlace(const dlLight& light)
+{
+    return light.lightType == kAimed || light.lightType == kPositioned;
+}
+
+bool hasRotation(const dlLight& light)
+{
+    return light.lightType != kPositioned;
+}
+
 bool areFinite(const float (&values)[3])
 {
     return std::all_of(values, values + 3, [](float value) { return std::isfinite(value); });
@@ -61,7 +71,8 @@ Json colourOf(const dlLight& light)
 Json coneOf(const dlLight& light)
 {
     constexpr double kWidest = std::numbers::pi / 2;
-    const double whole = light.shapeValue > 0 ? light.shapeValue : kWidest;
+    constexpr double kWholeByDefault = std::numbers::pi / 2;
+    const double whole = light.shapeValue > 0 ? light.shapeValue : kWholeByDefault;
     const double outer = limited(whole / 2, 1e-3, kWidest);
     const double inner = limited(light.valueD / 2, 0, outer * 0.999);
     return {{"innerConeAngle", inner}, {"outerConeAngle", outer}};
@@ -76,8 +87,7 @@ Json lightJson(const dlLight& light, const char* type)
     json["intensity"] = light.enabled ? intensityOf(light) : 0.0;
     if (light.lightType == kAimed)
         json["spot"] = coneOf(light);
-    const bool hasRange = light.lightType == kAimed || light.lightType == kPositioned;
-    if (hasRange && light.valueF > 0 && std::isfinite(light.valueF))
+    if (hasPlace(light) && light.valueF > 0 && std::isfinite(light.valueF))
         json["range"] = light.valueF;
     if (!light.enabled)
         json["extras"] = {{"enabled", false}, {"intensity", intensityOf(light)}};
@@ -111,11 +121,11 @@ Json nodeJson(const dlLight& light, int index)
     Json node;
     if (!light.name.empty())
         node["name"] = platform::toUtf8(light.name);
-    if (light.lightType == kAimed || light.lightType == kPositioned) {
+    if (hasPlace(light)) {
         const double place[3] = {light.position[0], light.position[1], light.position[2]};
         node["translation"] = jsonNumbers(place, 3);
     }
-    if (light.lightType != kPositioned)
+    if (hasRotation(light))
         node["rotation"] = jsonNumbers(rotationOf(light.rotation).data(), 4);
     node["extensions"][kExtension]["light"] = index;
     return node;
@@ -128,7 +138,8 @@ void addLight(const dlLight& light, GltfFile& file, std::vector<int>& roots)
         ++file.notes.lightsOfOtherTypes;
         return;
     }
-    if (!areFinite(light.position) || !areFinite(light.rotation)) {
+    if ((hasPlace(light) && !areFinite(light.position)) ||
+        (hasRotation(light) && !areFinite(light.rotation))) {
         ++file.notes.lightsWithoutPlace;
         return;
     }

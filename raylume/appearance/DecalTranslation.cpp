@@ -18,6 +18,7 @@
 #include "raylume/scene/dlFace.h"
 #include "raylume/scene/dlInstance.h"
 #include "raylume/scene/dlPart.h"
+#include "raylume/services/PathText.h"
 
 namespace {
 
@@ -225,15 +226,6 @@ void placeImage(dlDecal& decal, const uoDecalProperties& properties, const uoDec
         placement = placementOfRecord(decal, placement, mapping);
     fillPlacement(decal.texture, placement, image);
     fillCentre(decal.texture, properties, mapping, image);
-}
-
-// With its trailing separator, so that a folder stays as it is. A bare name leaves its drive or nothing.
-std::wstring driveAndFolder(const std::wstring& path)
-{
-    const std::size_t separator = path.find_last_of(L"\\/");
-    if (separator != std::wstring::npos)
-        return path.substr(0, separator + 1);
-    return path.substr(0, path.size() >= 2 && path[1] == L':' ? 2 : 0);
 }
 
 // A mask that only a search would find does not count, while a folder of that name does.

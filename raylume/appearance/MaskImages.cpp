@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstring>
 #include <iterator>
 #include <memory>
@@ -37,8 +38,9 @@ std::uint32_t pixelOf(std::uint32_t colour)
                    static_cast<unsigned char>(colour), 0);
 }
 
-// Comparing with each of a few is faster than any look-up: the compiler does several pixels at a time.
-void cutOutFew(unsigned char* pixels, std::size_t pixelCount, const FewColours& colours)
+// `isCut` is asked with the alpha taken out.
+template <class IsCut>
+void cutOut(unsigned char* pixels, std::size_t pixelCount, IsCut isCut)
 {
     const std::uint32_t colourBits = pixelOf(255, 255, 255, 0);
     const std::uint32_t opaque = pixelOf(0, 0, 0, 255);
@@ -46,11 +48,17 @@ void cutOutFew(unsigned char* pixels, std::size_t pixelCount, const FewColours& 
         std::uint32_t pixel;
         std::memcpy(&pixel, pixels, kBytesAPixel);
         pixel &= colourBits;
-        const bool cut =
-            (pixel == colours[0]) | (pixel == colours[1]) | (pixel == colours[2]) | (pixel == colours[3]);
-        pixel |= cut ? 0 : opaque;
+        pixel |= isCut(pixel) ? 0 : opaque;
         std::memcpy(pixels, &pixel, kBytesAPixel);
     }
+}
+
+// Comparing with each of a few is faster than any look-up: the compiler does several pixels at a time.
+void cutOutFew(unsigned char* pixels, std::size_t pixelCount, const FewColours& few)
+{
+    const std::uint32_t a = few[0], b = few[1], c = few[2], d = few[3];
+    cutOut(pixels, pixelCount,
+           [a, b, c, d](std::uint32_t p) { return (p == a) | (p == b) | (p == c) | (p == d); });
 }
 
 // Unused places hold what no pixel is compared as: one with an alpha.
@@ -62,29 +70,36 @@ FewColours fewOf(const std::vector<std::uint32_t>& colours)
     return few;
 }
 
-// One bit for every colour there is.
+// One bit for every colour there is, by the pixel that has it and no alpha.
 class ColourSet {
 public:
     explicit ColourSet(const std::vector<std::uint32_t>& colours) : words_(kAllColours / 64)
     {
-        for (const std::uint32_t colour : colours)
-            words_[colour / 64] |= std::uint64_t{1} << (colour % 64);
+        for (const std::uint32_t colour : colours) {
+            const std::uint32_t place = placeOf(pixelOf(colour));
+            words_[place / 64] |= std::uint64_t{1} << (place % 64);
+        }
     }
 
-    // 1 or 0.
-    std::uint64_t count(std::uint32_t colour) const { return words_[colour / 64] >> (colour % 64) & 1; }
+    bool has(std::uint32_t pixel) const
+    {
+        const std::uint32_t place = placeOf(pixel);
+        return (words_[place / 64] >> (place % 64) & 1) != 0;
+    }
 
 private:
+    // The alpha, which is 0, lies at one end of the number.
+    static std::uint32_t placeOf(std::uint32_t pixel)
+    {
+        return std::endian::native == std::endian::little ? pixel : pixel >> 8;
+    }
+
     std::vector<std::uint64_t> words_;
 };
 
 void cutOutMany(unsigned char* pixels, std::size_t pixelCount, const ColourSet& colours)
 {
-    for (std::size_t index = 0; index < pixelCount; ++index, pixels += kBytesAPixel) {
-        const std::uint32_t colour = static_cast<std::uint32_t>(pixels[0]) << 16 |
-                                     static_cast<std::uint32_t>(pixels[1]) << 8 | pixels[2];
-        pixels[3] = static_cast<unsigned char>(colours.count(colour) - 1);
-    }
+    cutOut(pixels, pixelCount, [&colours](std::uint32_t pixel) { return colours.has(pixel); });
 }
 
 // Each once, and only those that a pixel can have.

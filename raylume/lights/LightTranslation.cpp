@@ -99,7 +99,9 @@ void aimAtTarget(const double (&target)[3], dlLight& light)
 {
     float rounded[3];
     narrowVector(target, rounded);
-    mgVector_c direction = widened(rounded) - widened(light.position);
+    const mgVector_c place = widened(light.position);
+    const mgVector_c goal = widened(rounded);
+    mgVector_c direction = goal - place;
     light.targetDistance = narrow(std::sqrt(direction.sqlen()));
     direction.normalise();
     setRotation(direction, -mgUnitVector_c::zAxis(), light);

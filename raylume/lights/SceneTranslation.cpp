@@ -66,7 +66,6 @@ void fillImages(pwSceneData_c& data, const std::wstring& documentPath, dlScene& 
 
 void fillBackgroundKind(std::uint32_t kind, dlScene& scene)
 {
-    scene.backgroundType = static_cast<std::int32_t>(kind);
     switch (kind) {
     case 0:
     case 1:
@@ -96,6 +95,7 @@ void translateScene(dlModel& model, ovScene_c& sceneHolder, const std::wstring& 
     dlScene& scene = model.scene;
     scene.floorOrient = sceneHolder.floorOrientation;
     scene.floorDir = sceneHolder.floorDirection == 1;
+    scene.backgroundType = static_cast<std::int32_t>(data.backgroundKind);
     copyColour(data.getBackgroundColor1(), scene.backgroundColor1);
     copyColour(data.getBackgroundColor2(), scene.backgroundColor2);
     scene.backgroundBrightness = data.backgroundBrightnessValue;

@@ -71,9 +71,10 @@ public:
     /// Names the first part.
     void updateFirstModelName(std::string name);
 
-    /// Reads the animation side file beside the document at `path` into animationTracks. True also
-    /// when there is none; false when it could not be read to its end. Side files are not read yet: the
-    /// table stays as it is and the answer is true.
+    /// Reads the animation side file beside the document at `path` ("_rlAnimData.xml" in its folder, see
+    /// docs/formats/animation.md) into animationTracks, which keeps what it has under other names. True
+    /// also when there is no such file or it is not well-formed XML; false when an attribute was missing
+    /// or no number, or memory ran out: then what was read before that stays. Raises nothing.
     bool readAnimationXML(const std::wstring& path);
     /// True when the named component's appearance changes over time. `name` in the ANSI code page.
     bool compHasAppearanceAnimation(std::string name);

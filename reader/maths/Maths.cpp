@@ -15,6 +15,12 @@ double withoutNegativeZero(double value)
     return value + 0.0;
 }
 
+// An element of a rotation. Rounding can put one just beyond 1, where it has no arc sine any more.
+double withinOne(double element)
+{
+    return withoutNegativeZero(std::clamp(element, -1.0, 1.0));
+}
+
 double largestComponent(const mgVector_c& vector)
 {
     return std::max({std::fabs(vector.x), std::fabs(vector.y), std::fabs(vector.z)});
@@ -248,15 +254,15 @@ mgMatrix_c mg_RotationMatrix(double angle, const mgVector_c& axis)
     const double c = std::cos(angle);
     const double s = std::sin(angle);
     const double t = 1.0 - c;
-    m.e0 = t * u.x * u.x + c;
-    m.e1 = withoutNegativeZero(t * u.x * u.y + s * u.z);
-    m.e2 = withoutNegativeZero(t * u.x * u.z - s * u.y);
-    m.e3 = withoutNegativeZero(t * u.x * u.y - s * u.z);
-    m.e4 = t * u.y * u.y + c;
-    m.e5 = withoutNegativeZero(t * u.y * u.z + s * u.x);
-    m.e6 = withoutNegativeZero(t * u.x * u.z + s * u.y);
-    m.e7 = withoutNegativeZero(t * u.y * u.z - s * u.x);
-    m.e8 = t * u.z * u.z + c;
+    m.e0 = withinOne(t * u.x * u.x + c);
+    m.e1 = withinOne(t * u.x * u.y + s * u.z);
+    m.e2 = withinOne(t * u.x * u.z - s * u.y);
+    m.e3 = withinOne(t * u.x * u.y - s * u.z);
+    m.e4 = withinOne(t * u.y * u.y + c);
+    m.e5 = withinOne(t * u.y * u.z + s * u.x);
+    m.e6 = withinOne(t * u.x * u.z + s * u.y);
+    m.e7 = withinOne(t * u.y * u.z - s * u.x);
+    m.e8 = withinOne(t * u.z * u.z + c);
     return m;
 }
 

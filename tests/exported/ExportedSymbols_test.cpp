@@ -107,6 +107,16 @@ TEST(ExportedSymbols, HaveWhatAHostNeeds)
         EXPECT_THAT(names, Contains(name));
 }
 
+TEST(ExportedSymbols, HaveTheMasksOfDecals)
+{
+    const std::string wide =
+        "std::__cxx11::basic_string<wchar_t, std::char_traits<wchar_t>, std::allocator<wchar_t> >";
+    const auto names = namesOf(exportedSymbols(RAYLUME_DL_FILE));
+    EXPECT_THAT(names, Contains("dlDecal::generateNewImageUsingMaskColors(" + wide + ")"));
+    EXPECT_THAT(names,
+                Contains("dlDecal::generateNewImageUsingMaskFile(" + wide + ", " + wide + ", bool)"));
+}
+
 class HiddenName : public testing::TestWithParam<const char*> {};
 
 TEST_P(HiddenName, IsNotExported)
@@ -120,7 +130,9 @@ INSTANTIATE_TEST_SUITE_P(Rows, HiddenName,
                                          "getRegisteredStorage", "dropRegisteredStorage", "CDispListsDocRL",
                                          "RL_OVDL_CallBacks", "translatePartDocument",
                                          "translateAssemblyDocument", "chooseComponents",
-                                         "attachPartDecals", "surfaceFinishBumpFile", "placeImageCentre",
+                                         "attachPartDecals", "attachInstanceDecals", "translateDecal",
+                                         "generateBoxTextureCoords", "boxCoordsForFace", "maskImageCache",
+                                         "maskimages", "surfaceFinishBumpFile", "placeImageCentre",
                                          "platform::"),
                          [](const auto& row) {
                              std::string name = row.param;

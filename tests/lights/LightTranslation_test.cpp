@@ -2,9 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
+#include <iterator>
 #include <limits>
+#include <ostream>
 #include <random>
 #include <vector>
 
@@ -198,6 +201,11 @@ struct TypeCase {
     int levelC;
 };
 
+void PrintTo(const TypeCase& row, std::ostream* out)
+{
+    *out << row.name;
+}
+
 const std::vector<double> kA = {0.1, 2.2, 3.3}, kB = {4.1, 5.2, 6.3};
 const TypeCase kTypes[] = {
     {"aimed", LIGHT_AIMED, {0.1, 0.1, 0.1}, kB, 1.6, 1.3, 0.7, 0, 0, 1.1, true, 18},
@@ -213,17 +221,18 @@ class TypeFields : public testing::TestWithParam<TypeCase> {};
 
 std::vector<float> floatsOf(const std::vector<double>& values)
 {
-    return {values.begin(), values.end()};
+    std::vector<float> narrowed;
+    std::transform(values.begin(), values.end(), std::back_inserter(narrowed),
+                   [](double value) { return static_cast<float>(value); });
+    return narrowed;
 }
 
 TEST_P(TypeFields, take_what_belongs_to_the_type_and_nothing_else)
 {
     const TypeCase& row = GetParam();
     const dlLight light = translated(fullLight(row.type));
-    EXPECT_EQ(list(light.direction),
-              floatsOf({static_cast<float>(row.direction[0]), static_cast<float>(row.direction[1]),
-                        static_cast<float>(row.direction[2])}));
-    EXPECT_EQ(list(light.position), floats({row.position[0], row.position[1], row.position[2]}));
+    EXPECT_EQ(list(light.direction), floatsOf(row.direction));
+    EXPECT_EQ(list(light.position), floatsOf(row.position));
     EXPECT_EQ(light.shapeValue, static_cast<float>(row.shapeValue));
     EXPECT_EQ(light.valueD, static_cast<float>(row.valueD));
     EXPECT_EQ(light.valueG, static_cast<float>(row.valueG));
@@ -256,6 +265,11 @@ struct OptionCase {
     bool enabled, option;
 };
 
+void PrintTo(const OptionCase& row, std::ostream* out)
+{
+    *out << row.name;
+}
+
 const OptionCase kOptions[] = {{"zero", 0, false, false},
                                {"one", 1, true, true},
                                {"two", 2, true, false},
@@ -283,6 +297,11 @@ struct LevelCase {
     double source;
     std::int32_t level;
 };
+
+void PrintTo(const LevelCase& row, std::ostream* out)
+{
+    *out << row.name;
+}
 
 constexpr std::int32_t kNoLevel = std::numeric_limits<std::int32_t>::min();
 const LevelCase kLevels[] = {
@@ -344,9 +363,7 @@ TEST(DirectionalLight, along_its_reference_does_not_turn)
     EXPECT_EQ(list(translated(source).rotation), (std::vector<float>{0, 0, 0}));
 }
 
-// A right angle about y: the cosine is tiny and not zero, so the general way holds and gives the full
-// angle about y with the other two from quotients of tiny numbers.
-TEST(DirectionalLight, along_x_goes_the_general_way)
+TEST(DirectionalLight, along_x_turns_by_a_right_angle)
 {
     moLight_c source = fullLight(LIGHT_DIRECTIONAL);
     set(source.sourceVectorB, 1, 0, 0);
@@ -397,6 +414,11 @@ struct SunCase {
     double hours;
 };
 
+void PrintTo(const SunCase& row, std::ostream* out)
+{
+    *out << row.name;
+}
+
 constexpr std::int64_t kNewYear2021 = 1609459200;  // 2021-01-01T00:00:00Z
 const SunCase kSuns[] = {
     {"utc", "UTC0", kNewYear2021, 2021001, 0},
@@ -404,6 +426,7 @@ const SunCase kSuns[] = {
     {"seconds_do_not_count", "UTC0", kNewYear2021 + 59, 2021001, 0},
     {"west_of_utc_the_year_is_still_the_old_one", "XXX5", kNewYear2021, 2020001, 19},
     {"east_of_utc_the_year_is_already_the_new_one", "XXX-9", kNewYear2021 - 3600, 2021366, 8},
+    {"computed_in_double", "UTC0", kNewYear2021 + 71 * 60, 2021001, 1 + 11 / 60.0},
     {"half_hours", "XXX-5:30", kNewYear2021, 2021001, 5.5},
     {"the_first_second", "UTC0", 0, 1970001, 0},
     {"the_last_second", "UTC0", 32535215999, 3000365, 23 + 59 / 60.0},
@@ -493,6 +516,47 @@ TEST(Sun, turns_by_its_position)
     set(source.sourceVectorB, 1, 0, 0);
     const auto aimed = turned(translated(source).rotation, {0, 0, 1});
     EXPECT_NEAR(aimed[1], 1, 1e-6);
+}
+
+TEST(AimedLight, measures_between_points_as_stored)
+{
+    moLight_c source = fullLight(LIGHT_AIMED);
+    set(source.sourceVectorB, 16777217, 0, 0);
+    set(source.sourceVectorC, 16777220, 0, 0);
+    EXPECT_EQ(translated(source).targetDistance, 4.0f);
+    set(source.sourceVectorB, 16777220, 0, 0);
+    set(source.sourceVectorC, 16777217, 0, 0);
+    EXPECT_EQ(translated(source).targetDistance, 4.0f);
+}
+
+TEST(AimedLight, measures_in_double)
+{
+    moLight_c source = fullLight(LIGHT_AIMED);
+    set(source.sourceVectorB, 0, 0, 0);
+    set(source.sourceVectorC, 0, 0, 1e25);
+    EXPECT_EQ(translated(source).targetDistance, 1e25f);
+}
+
+TEST(AimedLight, whose_target_is_its_place_once_rounded_does_not_turn)
+{
+    moLight_c source = fullLight(LIGHT_AIMED);
+    set(source.sourceVectorB, 0, 0, 0);
+    set(source.sourceVectorC, 1e-60, 1e-60, -1e-60);
+    EXPECT_EQ(list(translated(source).rotation), (std::vector<float>{0, 0, 0}));
+}
+
+TEST(DirectionalLight, turns_by_its_position_as_stored)
+{
+    moLight_c source = fullLight(LIGHT_DIRECTIONAL);
+    set(source.sourceVectorB, 1e-60, 1e-60, 1e-60);
+    EXPECT_EQ(list(translated(source).rotation), (std::vector<float>{0, 0, 0}));
+}
+
+TEST(DirectionalLight, against_its_reference_does_not_turn)
+{
+    moLight_c source = fullLight(LIGHT_DIRECTIONAL);
+    set(source.sourceVectorB, 0, 0, -5);
+    EXPECT_EQ(list(translated(source).rotation), (std::vector<float>{0, 0, 0}));
 }
 
 }  // namespace

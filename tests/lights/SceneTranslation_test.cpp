@@ -251,4 +251,29 @@ TEST(SceneFolder, is_not_tried_when_there_is_none)
     }
 }
 
+TEST(SceneFolder, is_cut_after_the_last_separator_only)
+{
+    const TemporaryFolder folder;
+    folder.write("room.p2s", "x");
+    std::wstring name = folder.wide() + L"/room.p2s";
+    for (wchar_t& c : name)
+        if (c == L'/')
+            c = L'\\';
+    SceneSource source;
+    source.data.backgroundImages[0] = L"Q:\\gone\\plate.bmp";
+    source.data.sceneFileName = name;
+    EXPECT_THAT(Translation(source).paths(), Contains(name.substr(0, name.size() - 8) + L"plate.bmp"));
+}
+
+TEST(SceneImages, are_found_by_the_side_file_beside_the_document)
+{
+    const TemporaryFolder folder, maps;
+    folder.write("__ImageLocations__.txt", "other\tQ:\\none\nCUSTOM_SCENE_FOLDERS\t" + maps.path() + "\n");
+    maps.write("plate.bmp", "x");
+    SceneSource source;
+    source.data.backgroundImages[0] = L"Q:\\gone\\plate.bmp";
+    EXPECT_EQ(Translation(source, folder.wide() + L"\\part.doc").scene().backPlateImage,
+              maps.path() + "\\plate.bmp");
+}
+
 }  // namespace

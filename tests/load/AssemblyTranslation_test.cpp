@@ -3,6 +3,7 @@
 #include <functional>
 #include <limits>
 #include <map>
+#include <set>
 
 #include "raylume/scene/dlDecal.h"
 #include "tests/load/LoadFixture.h"

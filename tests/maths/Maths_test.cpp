@@ -5,6 +5,7 @@
 #include <cmath>
 #include <limits>
 #include <numbers>
+#include <random>
 
 #include "raylume/load/ReaderMaths.h"
 
@@ -272,6 +273,25 @@ TEST(Rotation, ZeroAxisOrAngleIsTheIdentity)
 {
     EXPECT_EQ(list(mg_RotationMatrix(1.5, mgVector_c(0, 0, 0))), kIdentity);
     EXPECT_EQ(list(mg_RotationMatrix(0, mgVector_c(1, -2, 3))), kIdentity);
+}
+
+// Rounding puts these elements just beyond 1, where they would have no arc sine.
+TEST(Rotation, StaysWithinOne)
+{
+    EXPECT_EQ(mg_RotationMatrix(3.1415926013194335, mgVector_c(1, 4.4050013225913416e-08, 1)).e6, 1.0);
+    EXPECT_EQ(
+        mg_RotationMatrix(1.5707963336455235, mgVector_c(-1.664041403237464e-08, 1, 8.7590662723516225e-09))
+            .e2,
+        -1.0);
+    std::mt19937 random(3);
+    std::uniform_real_distribution<double> angles(-2 * pi, 2 * pi);
+    for (int round = 0; round < 20000; ++round) {
+        const double tiny = round % 2 ? 1e-8 : 1.0;
+        const mgVector_c axis(angles(random), tiny * angles(random), tiny * angles(random));
+        for (const double element : list(mg_RotationMatrix(angles(random), axis))) {
+            EXPECT_LE(std::abs(element), 1.0);
+        }
+    }
 }
 
 TEST(Rotation, HasNoNegativeZero)

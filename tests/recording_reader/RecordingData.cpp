@@ -55,7 +55,7 @@ bool uoMaterialTextureProperties::getTextureDir(int direction, double& x, double
     x = directions[direction][0];
     y = directions[direction][1];
     z = directions[direction][2];
-    return true;
+    return direction == 0 || Recorder::get().answers.admitsSecondDirection;
 }
 
 double uoMaterialTextureProperties::getTextureAngle()

@@ -31,6 +31,7 @@ struct Answers {
     OVDLPartDocument* partDocument = nullptr;
     OVDLAssemblyDocument* assemblyDocument = nullptr;
     std::map<std::wstring, uoTempAssemblySHDDataArray_c*> configurations;
+    bool admitsSecondDirection = true;  ///< Otherwise it is written as ever, but denied.
 };
 
 /// The one reader of the process.

@@ -359,7 +359,6 @@ const UsageCase kBadUsage[] = {
     {"no_command", {}, "a command is missing"},
     {"an_unknown_command", {"frobnicate"}, "there is no command \"frobnicate\""},
     {"an_unknown_command_with_a_document", {"frobnicate", "x.gltf"}, "there is no command \"frobnicate\""},
-    {"a_command_that_comes_later", {"animation", "x.gltf"}, "there is no command \"animation\""},
     {"no_document", {"info"}, "DOC is required"},
     {"no_output", {"export", "x.gltf"}, "OUT is required"},
     {"too_many_documents", {"tree", "a", "b"}, "b"},

@@ -276,6 +276,7 @@ TEST(ExportedAnimation, starts_no_earlier_than_zero)
 {
     const auto model = movable();
     tracksOf(*model).transforms = {{-2.0, keyAt(1)}, {1.0, keyAt(2)}};
+    tracksOf(*model, "nobody").transforms = {{-50.0, keyAt(1)}};
     EXPECT_THAT(samplesOf(*model, "translation", "input"), ElementsAre(0.0f, 3.0f));
 }
 
@@ -303,8 +304,11 @@ TEST(ExportedAnimation, needs_an_instance_that_stands_unsheared)
 {
     const auto model = movable();
     model->instances[0].xform.m[4] = 0.5f;
-    tracksOf(*model).transforms = {{1.0, keyAt(5)}};
+    tracksOf(*model).transforms = {{1.0, keyAt(5)}, {2.0, keyAt(6)}};
     EXPECT_FALSE(jsonOf(*model).contains("animations"));
+    EXPECT_EQ(documentOf(*model).notes.placementKeysLeftOut, 2);
+    model->instances[0].xform.m[12] = kNaN;
+    EXPECT_EQ(documentOf(*model).notes.placementKeysLeftOut, 2);
 }
 
 TEST(ExportedAnimation, binary_part_is_as_long_as_told)

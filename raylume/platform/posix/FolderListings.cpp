@@ -32,6 +32,15 @@ const char* orCurrent(const std::string& folder)
     return folder.empty() ? "." : folder.c_str();
 }
 
+// A folder may let names through that it does not list.
+std::optional<std::string> unlistedName(const std::string& folder, const std::string& name)
+{
+    const bool needsSeparator = !folder.empty() && folder.back() != '/';
+    struct stat status;
+    const bool exists = lstat((folder + (needsSeparator ? "/" : "") + name).c_str(), &status) == 0;
+    return exists ? std::optional(name) : std::nullopt;
+}
+
 bool isEqual(const std::timespec& a, const std::timespec& b)
 {
     return a.tv_sec == b.tv_sec && a.tv_nsec == b.tv_nsec;
@@ -44,10 +53,38 @@ bool isBefore(const std::timespec& a, const std::timespec& b)
 
 }  // namespace
 
+void FolderListings::Names::add(std::string lower, std::string_view name)
+{
+    const auto [entry, isNew] = first.try_emplace(std::move(lower), name);
+    if (isNew) {
+        return;
+    }
+    std::string other(name);
+    if (other < entry->second) {
+        entry->second.swap(other);
+    }
+    others.insert(std::move(other));
+}
+
+std::optional<std::string> FolderListings::Names::find(const std::string& name) const
+{
+    if (others.count(name) != 0) {
+        return name;
+    }
+    const auto found = first.find(lowerName(name));
+    return found == first.end() ? std::nullopt : std::optional(found->second);
+}
+
 // One pass over a folder, which collects its names until they are too many to keep.
 struct FolderListings::Reading {
+    Reading(const std::string& name, std::size_t most)
+        : wanted(name), lowerWanted(lowerName(name)), mostBytes(most)
+    {
+    }
+
     const std::string& wanted;
-    std::size_t mostBytes;
+    const std::string lowerWanted;
+    const std::size_t mostBytes;
     std::optional<std::string> match;
     Names names;
     std::size_t bytes = 0;
@@ -55,7 +92,7 @@ struct FolderListings::Reading {
     void add(std::string_view name)
     {
         std::string lower = lowerName(name);
-        if (lower == wanted && (!match || name < *match)) {
+        if (lower == lowerWanted && isBetter(name)) {
             match = name;
         }
         if (fits()) {
@@ -66,16 +103,18 @@ struct FolderListings::Reading {
     bool fits() const { return bytes <= mostBytes; }
 
 private:
+    bool isBetter(std::string_view name) const
+    {
+        return !match || name == wanted || (*match != wanted && name < *match);
+    }
+
     void collect(std::string lower, std::string_view name)
     {
         bytes += lower.size() + name.size() + kEntryBytes;
-        if (!fits()) {
+        if (fits()) {
+            names.add(std::move(lower), name);
+        } else {
             names = {};
-            return;
-        }
-        const auto [entry, isNew] = names.try_emplace(std::move(lower), name);
-        if (!isNew && name < entry->second) {
-            entry->second = name;
         }
     }
 };
@@ -155,17 +194,17 @@ void FolderListings::keep(Kept listing)
     }
 }
 
-FolderListings::Answer FolderListings::read(const std::string& folder, const std::string& wanted)
+FolderListings::Answer FolderListings::read(const std::string& folder, const std::string& name)
 {
     const OpenFolder listing(opendir(orCurrent(folder)));
     struct stat status;
     if (!listing || fstat(dirfd(listing.get()), &status) != 0) {
-        return {true, std::nullopt};
+        return {true, unlistedName(folder, name)};
     }
     ++readCount_;
     const State state = stateOf(status);
     const bool keeps = isSettled(state);
-    Reading reading{wanted, keeps ? mostBytes_ : 0, {}, {}};
+    Reading reading(name, keeps ? mostBytes_ : 0);
     while (const dirent* const entry = readdir(listing.get())) {
         reading.add(entry->d_name);
     }
@@ -181,13 +220,8 @@ FolderListings::Answer FolderListings::find(const std::string& folder, const std
     if (stat(orCurrent(folder), &status) != 0 || !S_ISDIR(status.st_mode)) {
         return {};
     }
-    const std::string wanted = lowerName(name);
     const auto names = kept(stateOf(status));
-    if (!names) {
-        return read(folder, wanted);
-    }
-    const auto found = names->find(wanted);
-    return {true, found == names->end() ? std::nullopt : std::optional(found->second)};
+    return names ? Answer{true, names->find(name)} : read(folder, name);
 }
 
 }  // namespace platform

@@ -12,7 +12,9 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace platform {
 
@@ -34,7 +36,7 @@ public:
     struct Answer {
         /// False when the path is no folder.
         bool isFolder = false;
-        /// The first entry in byte order that equals the name without case.
+        /// The entry of exactly that name, else the first in byte order that equals it without case.
         std::optional<std::string> name;
     };
 
@@ -48,8 +50,15 @@ public:
     std::size_t keptBytes() const;
 
 private:
-    // Real names by their lower-cased form.
-    using Names = std::unordered_map<std::string, std::string>;
+    struct Names {
+        // The first name in byte order by the lower-cased form.
+        std::unordered_map<std::string, std::string> first;
+        // All others, which differ from a first one in case only.
+        std::unordered_set<std::string> others;
+
+        void add(std::string lower, std::string_view name);
+        std::optional<std::string> find(const std::string& name) const;
+    };
     struct State {
         dev_t device;
         ino_t number;
@@ -67,7 +76,7 @@ private:
     static bool isSameFolder(const State& a, const State& b);
     static bool isUnchanged(const State& a, const State& b);
     std::shared_ptr<const Names> kept(const State& state);
-    Answer read(const std::string& folder, const std::string& wanted);
+    Answer read(const std::string& folder, const std::string& name);
     void keep(Kept listing);
     void forget(std::list<Kept>::iterator listing);
     bool isSettled(const State& state) const;

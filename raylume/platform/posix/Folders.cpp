@@ -34,7 +34,79 @@ std::vector<std::string> sortedNames(DIR* listing)
     return names;
 }
 
+constexpr std::wstring_view kSeparators = L"\\/";
+
+// "*" for any characters, "?" for one.
+bool matches(std::wstring_view name, std::wstring_view pattern)
+{
+    std::size_t at = 0;
+    std::size_t star = std::wstring_view::npos;
+    std::size_t begin = 0;  // of what the last star stands for, and where it ends
+    for (std::size_t from = 0; from < name.size();) {
+        if (at < pattern.size() && pattern[at] == L'*') {
+            star = at++;
+            begin = from;
+        } else if (at < pattern.size() && (pattern[at] == L'?' || pattern[at] == name[from])) {
+            ++at;
+            ++from;
+        } else if (star != std::wstring_view::npos) {
+            at = star + 1;
+            from = ++begin;
+        } else {
+            return false;
+        }
+    }
+    return pattern.find_first_not_of(L'*', at) == std::wstring_view::npos;
+}
+
+// The system that the texts come from gives "*.*" the sense of "*".
+std::wstring tidyPattern(std::wstring_view pattern)
+{
+    return pattern == L"*.*" ? L"*" : toLower(pattern);
+}
+
+std::string nativeLastName(const std::string& native)
+{
+    return native.substr(native.rfind('/') + 1);
+}
+
+std::vector<std::wstring> nameAt(const std::wstring& path)
+{
+    struct stat status;
+    const std::string native = nativePath(path);
+    if (lstat(native.c_str(), &status) != 0) {
+        return {};
+    }
+    return {fromUtf8(nativeLastName(native))};
+}
+
+std::vector<std::wstring> namesInFolder(const std::wstring& folder, const std::wstring& pattern)
+{
+    std::vector<std::wstring> names;
+    const Listing listing(opendir(folder.empty() ? "." : nativePath(folder).c_str()));
+    while (const dirent* const entry = listing ? readdir(listing.get()) : nullptr) {
+        std::wstring name = fromUtf8(entry->d_name);
+        if (matches(toLower(name), pattern)) {
+            names.push_back(std::move(name));
+        }
+    }
+    return names;
+}
+
 }  // namespace
+
+std::vector<std::wstring> matchingNames(const std::wstring& path)
+{
+    const std::size_t name = path.find_last_of(kSeparators) + 1;
+    if (name == path.size()) {
+        return {};
+    }
+    const std::wstring_view last = std::wstring_view(path).substr(name);
+    if (last.find_first_of(L"*?") == std::wstring_view::npos) {
+        return nameAt(path);
+    }
+    return namesInFolder(path.substr(0, name), tidyPattern(last));
+}
 
 std::vector<FolderEntry> folderEntries(const std::wstring& folder)
 {
@@ -45,9 +117,9 @@ std::vector<FolderEntry> folderEntries(const std::wstring& folder)
     }
     for (const std::string& name : sortedNames(listing.get())) {
         struct stat status;
-        if (fstatat(dirfd(listing.get()), name.c_str(), &status, 0) == 0) {
-            entries.push_back({fromUtf8(name), S_ISDIR(status.st_mode), S_ISREG(status.st_mode)});
-        }
+        const bool isKnown = fstatat(dirfd(listing.get()), name.c_str(), &status, 0) == 0;
+        entries.push_back(
+            {fromUtf8(name), isKnown && S_ISDIR(status.st_mode), isKnown && S_ISREG(status.st_mode)});
     }
     return entries;
 }

@@ -69,8 +69,13 @@ std::string resolveComponent(const std::string& folder, const std::string& name,
     return other.value_or(name);
 }
 
+struct Resolved {
+    std::string path;
+    Entry entry;
+};
+
 // Takes `rest` component by component behind `path`; separators stay as they are written.
-std::string resolveBehind(std::string path, std::string_view rest)
+Resolved resolveBehind(std::string path, std::string_view rest)
 {
     bool found = true;
     while (found && !rest.empty()) {
@@ -83,22 +88,38 @@ std::string resolveBehind(std::string path, std::string_view rest)
             path += resolveComponent(path, name, found);
         }
     }
-    return path.append(rest);
+    return {path.append(rest), found ? Entry::kLink : Entry::kMissing};
 }
 
-// Where the folder that should hold the last name exists as written, as it mostly does, the names before
-// it need no look of their own.
-std::string resolveMissing(const std::string& folder, const std::string& path)
+Entry entryOf(const FolderListings::Answer& answer)
+{
+    return answer.name ? Entry::kLink : Entry::kMissing;
+}
+
+// The whole of `path` below `folder`, of which nothing stands there as written. Where the folder that
+// should hold the last name does, as it mostly does, the names before it need no look of their own.
+Resolved resolveMissing(const std::string& folder, const std::string& path)
 {
     const std::string whole = folder + path;
     const std::size_t name = whole.rfind('/') + 1;
     if (name >= folder.size() && name < whole.size()) {
         const auto answer = listings().find(whole.substr(0, name), whole.substr(name));
         if (answer.isFolder) {
-            return whole.substr(0, name) + answer.name.value_or(whole.substr(name));
+            return {whole.substr(0, name) + answer.name.value_or(whole.substr(name)), entryOf(answer)};
         }
     }
     return resolveBehind(folder, path);
+}
+
+// Texts have their drives in capitals mostly, and folders of drives have not, so the drive comes first.
+Resolved resolveMissingOnDrive(const std::string& folder, const std::string& path)
+{
+    const std::string drive = path.substr(0, path.find('/'));
+    const auto answer = listings().find(folder, drive);
+    if (!answer.name || drive.size() == path.size()) {
+        return {folder + answer.name.value_or(drive) + path.substr(drive.size()), entryOf(answer)};
+    }
+    return resolveMissing(folder + *answer.name, path.substr(drive.size()));
 }
 
 // Calls of the system see a text up to its first zero, so that much is what a text means.
@@ -145,11 +166,6 @@ std::string drivesFolder()
     return toUtf8(environmentVariable("RAYLUME_DRIVES").value_or(std::wstring()));
 }
 
-struct Resolved {
-    std::string path;
-    Entry entry;
-};
-
 Resolved resolve(const std::wstring& text)
 {
     std::string path = withNativeSeparators(text);
@@ -169,8 +185,7 @@ Resolved resolve(const std::wstring& text)
     if (entry != Entry::kMissing) {
         return {folder + path, entry};
     }
-    const std::string other = resolveMissing(folder, path);
-    return {other, other == folder + path ? Entry::kMissing : Entry::kLink};
+    return folder.empty() ? resolveMissing(folder, path) : resolveMissingOnDrive(folder, path);
 }
 
 bool isSeparator(wchar_t character)
