@@ -125,7 +125,8 @@ TEST(OtherPrograms, ReadLargeFilesOfOurs)
         put(*root.get(), L"Large", pattern(9000000));
         const Storage inner = createIn(*root.get(), L"Inner");
         for (int i = 0; i < 300; ++i)
-            put(*inner.get(), (L"n" + std::to_wstring(i)).c_str(), pattern(static_cast<std::size_t>(i) * 20));
+            put(*inner.get(), (L"n" + std::to_wstring(i)).c_str(),
+                pattern(static_cast<std::size_t>(i) * 20));
     }
     const Json list = listOf(file);
     EXPECT_EQ(list.size(), 302u);
