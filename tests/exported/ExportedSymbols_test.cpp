@@ -41,6 +41,7 @@ bool isOfTheInterface(const ExportedSymbol& symbol)
     return matches(symbol.name,
                    "((typeinfo|typeinfo name|vtable) for )?(dl|RL)[A-Z][A-Za-z]*(::.*)?"
                    "|rlu_[A-Za-z0-9_]+(\\[abi:cxx11\\])?(\\(.*)?"
+                   "|findFile\\(.*"
                    "|g_terminateLoad");
 }
 
@@ -132,6 +133,20 @@ TEST(ExportedSymbols, HaveTheMasksOfDecals)
                 Contains("dlDecal::generateNewImageUsingMaskFile(" + wide + ", " + wide + ", bool)"));
 }
 
+// By their bare names, without what they take.
+TEST(ExportedSymbols, HaveTheImagesThatAModelNames)
+{
+    std::set<std::string> plain;
+    for (const auto& symbol : exportedSymbols(RAYLUME_DL_FILE))
+        plain.insert(symbol.name.substr(0, symbol.name.find_first_of("[(")));
+    for (const char* name :
+         {"findFile", "rlu_getTextureFilename", "rlu_observeTextureSearches", "rlu_GetDefaultAppearanceCol",
+          "rlu_PopulateIgnoredMissingImagesList", "rlu_IsInIgnoredMissingImagesList",
+          "rlu_GetBitmapDataFromFile", "rlu_GetPictureFileData", "rlu_SaveAsBitmap",
+          "rlu_ClearTempBMPFiles", "rlu_nativePath"})
+        EXPECT_THAT(plain, Contains(name));
+}
+
 class HiddenName : public testing::TestWithParam<const char*> {};
 
 TEST_P(HiddenName, IsNotExported)
@@ -149,8 +164,8 @@ INSTANTIATE_TEST_SUITE_P(Rows, HiddenName,
                                          "generateBoxTextureCoords", "boxCoordsForFace", "maskImageCache",
                                          "maskimages", "surfaceFinishBumpFile", "placeImageCentre",
                                          "openAddinSubStorage", "openRaylumeStorage", "eraseShaderData",
-                                         "matrixToAngles", "persist::",
-                                         "platform::"),
+                                         "matrixToAngles", "persist::", "searchFolderList",
+                                         "g_ignoredImages", "platform::"),
                          [](const auto& row) {
                              std::string name = row.param;
                              std::erase(name, ':');
