@@ -16,6 +16,7 @@
 #include "tools/Loading.h"
 #include "tools/MaterialsReport.h"
 #include "tools/OutputFile.h"
+#include "tools/SideFile.h"
 #include "tools/TemporaryFolder.h"
 #include "tools/TreeReport.h"
 #include "tools/Values.h"
@@ -185,7 +186,8 @@ private:
         else if (line_.isTree())
             (options_.json ? writeTreeJson : writeTreeText)(*loaded.model, options_.depth, out_);
         else if (line_.isAnimation())
-            (options_.json ? writeAnimationJson : writeAnimationText)(*loaded.model, out_);
+            (options_.json ? writeAnimationJson : writeAnimationText)(
+                *loaded.model, appearanceKeysInFile(options_.document), out_);
         else
             (options_.json ? writeMaterialsJson : writeMaterialsText)(*loaded.model, out_);
     }
