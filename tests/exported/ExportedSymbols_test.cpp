@@ -41,6 +41,7 @@ bool isOfTheInterface(const ExportedSymbol& symbol)
     return matches(symbol.name,
                    "((typeinfo|typeinfo name|vtable) for )?(dl|RL)[A-Z][A-Za-z]*(::.*)?"
                    "|rlu_[A-Za-z0-9_]+(\\[abi:cxx11\\])?(\\(.*)?"
+                   "|findFile\\(.*"
                    "|g_terminateLoad");
 }
 
