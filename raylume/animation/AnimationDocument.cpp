@@ -20,7 +20,6 @@ bool containsOwnKind(XmlElement& element, const XmlName& name)
 // nothing.
 void readComponent(XmlElement& component, AnimationTracks& tracks, SideFileReading& reading)
 {
-    reading.containers.take();
     std::wstring name = readText(component, side_file::kName);
     dlAnimTrackSet fresh;
     readVisualTransformTrack(component, fresh.visualTransforms, reading);
@@ -30,14 +29,13 @@ void readComponent(XmlElement& component, AnimationTracks& tracks, SideFileReadi
 }
 
 void readComponentElements(const XmlPointer<XmlNodeList>& components, AnimationTracks& tracks,
-                           SideFileReading& reading)
+                           SideFileReading& reading, bool areAllMetAgain)
 {
-    const bool keepsAll = reading.keepsKeys;
     forEachElement(components, [&](XmlElement& component) {
-        reading.keepsKeys = keepsAll || containsOwnKind(component, side_file::kComponent);
+        reading.containers.take();
+        reading.keepsKeys = areAllMetAgain || containsOwnKind(component, side_file::kComponent);
         readComponent(component, tracks, reading);
     });
-    reading.keepsKeys = keepsAll;
 }
 
 void readViewportElements(XmlElement& animation, AnimationTracks& tracks, SideFileReading& reading)
@@ -61,8 +59,8 @@ void readLightElements(XmlElement& animation, AnimationTracks& tracks, SideFileR
 void readAnimationElements(XmlElement& root, AnimationTracks& tracks, SideFileReading& reading)
 {
     forEachElement(listOf(root, side_file::kAnimation), [&](XmlElement& animation) {
-        reading.keepsKeys = containsOwnKind(animation, side_file::kAnimation);
-        readComponentElements(listOf(animation, side_file::kComponent), tracks, reading);
+        const bool areAllMetAgain = containsOwnKind(animation, side_file::kAnimation);
+        readComponentElements(listOf(animation, side_file::kComponent), tracks, reading, areAllMetAgain);
         readViewportElements(animation, tracks, reading);
         readLightElements(animation, tracks, reading);
     });

@@ -1,6 +1,9 @@
 // The elements and attributes of the side file.
 #pragma once
 
+#include <cstddef>
+#include <iterator>
+
 #include "raylume/animation/XmlDocument.h"
 
 namespace side_file {
@@ -67,6 +70,25 @@ inline constexpr XmlName kSingleAttributes[] = {kName,
                                                 kSunTime,
                                                 kSunDay,
                                                 kSunHaze};
+
+/// The numbers of a list count up by one: the vocabulary of a table is made of the lists one behind the
+/// other.
+template <std::size_t count>
+constexpr bool isNumberedFrom(int first, const XmlName (&names)[count])
+{
+    for (const XmlName& name : names) {
+        if (name.number != first++) {
+            return false;
+        }
+    }
+    return true;
+}
+static_assert(isNumberedFrom(0, kElements));
+static_assert(isNumberedFrom(0, kSingleAttributes));
+static_assert(isNumberedFrom(std::size(kSingleAttributes), kPosition));
+static_assert(isNumberedFrom(kPosition[0].number + std::size(kPosition), kRotation));
+static_assert(isNumberedFrom(kRotation[0].number + std::size(kRotation), kMatrix));
+static_assert(isNumberedFrom(kMatrix[0].number + std::size(kMatrix), kModelView));
 
 // Keys of the table of tracks that are no components. They share its one space of names.
 inline constexpr const wchar_t* kViewportKey = L"@VIEWPORT";

@@ -133,14 +133,14 @@ public:
     XmlResult load(const std::wstring& path, bool& isLoaded, std::uint64_t& size) override
     {
         const platform::XmlLoad load = open_ ? table_.load(open_) : table_.load(path);
-        isLoaded = load.status == platform::XmlStatus::kLoaded;
+        isLoaded = isLoaded_ = load.status == platform::XmlStatus::kLoaded;
         size = load.size;
         return load.status == platform::XmlStatus::kOutOfMemory ? platform::kErrorOutOfMemory : kXmlOk;
     }
 
     XmlResult documentElement(XmlPointer<XmlElement>& root) override
     {
-        root.reset(new TableElement(table_, 0));
+        root.reset(isLoaded_ ? new TableElement(table_, 0) : nullptr);
         return kXmlOk;
     }
 
@@ -149,6 +149,7 @@ private:
 
     const XmlTable::Open open_;
     XmlTable table_;
+    bool isLoaded_ = false;
 };
 
 }  // namespace

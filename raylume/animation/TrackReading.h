@@ -3,9 +3,9 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <deque>
 #include <map>
 #include <utility>
-#include <vector>
 
 #include "raylume/animation/AttributeValues.h"
 #include "raylume/animation/XmlDocument.h"
@@ -67,14 +67,14 @@ public:
     }
 
 private:
-    std::vector<Entry> entries_;
+    std::deque<Entry> entries_;  // A vector would stand in memory twice while it grows.
     std::size_t next_ = 0;
 };
 
 /// The state of reading one side file of `fileSize` bytes.
 struct SideFileReading {
     explicit SideFileReading(std::uint64_t fileSize)
-        : trackElements(kFree + fileSize / 8), containers(kFree + fileSize / 4)
+        : trackElements(kFree + fileSize / 8), containers(kFree + fileSize)
     {
     }
 
@@ -86,7 +86,8 @@ struct SideFileReading {
     Allowance trackElements;
     /// Components, viewports and lights, for the same reason: nested animations repeat them.
     Allowance containers;
-    /// Elements under way are going to be met again.
+    /// The elements of the component under way are going to be met again. Set anew for each component,
+    /// before its tracks are read.
     bool keepsKeys = false;
     KeyCache<dlVisualTransformKey> visualTransforms;
     KeyCache<dlTransformKey> transforms;
@@ -102,20 +103,22 @@ XmlPointer<XmlNodeList> listOf(XmlElement& element, const XmlName& name);
 /// The length of a list. 0 for none.
 std::int32_t lengthOf(const XmlPointer<XmlNodeList>& list);
 
-/// Visits the elements of a list by index, up to the length that it has at the start. Gives that
-/// length, in which items that are no elements count.
+/// Visits the elements of a list by index, up to the length that it has by then: a live list may grow or
+/// shrink on the way. Gives the length that it had at the start, in which items that are no elements count.
 template <class Visit>
 std::int32_t forEachElement(const XmlPointer<XmlNodeList>& list, Visit visit)
 {
-    const std::int32_t length = lengthOf(list);
+    const std::int32_t atStart = lengthOf(list);
+    std::int32_t length = atStart;
     for (std::int32_t i = 0; i < length; ++i) {
         XmlPointer<XmlNode> node;
         raiseXmlFailure(list->item(i, node));
         if (const XmlPointer<XmlElement> element = elementOf(node)) {
             visit(*element);
         }
+        length = lengthOf(list);
     }
-    return length;
+    return atStart;
 }
 
 /// Puts a key into a track; a later key of the same time replaces all of the earlier one. Files are

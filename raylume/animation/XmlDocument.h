@@ -1,5 +1,9 @@
-// What the animation reader needs of an XML document object, and no more than that, so that a test
-// can put a scripted one in its place.
+// What the animation reader needs of an XML document object, so that a test can put a scripted one in
+// its place: creating a document, loading it and asking for its root; the descendants of an element by
+// name and its attributes; the length and the items of a list; the element behind an item. Three things
+// go beyond those published operations. The size that load() gives sets the budget for repeated elements;
+// identity() lets keys of elements that are met again be copied, and may stay 0; XmlName::number saves a
+// table the comparing of texts, and anything else can pass it over.
 //
 // Every operation answers a 32-bit result with the published values; one with its top bit set is a failure.
 // What is handed out is released by its holder, once, also when an error is raised.
@@ -92,6 +96,7 @@ class XmlDocument : public XmlObject {
 public:
     /// `isLoaded`: the file is there and well-formed to its end. `size`: how many bytes it has.
     virtual XmlResult load(const std::wstring& path, bool& isLoaded, std::uint64_t& size) = 0;
+    /// Null without a loaded document.
     virtual XmlResult documentElement(XmlPointer<XmlElement>& root) = 0;
 
 protected:
@@ -102,6 +107,8 @@ protected:
 class XmlService {
 public:
     virtual ~XmlService() = default;
-    /// An empty document, or null when one cannot be made on this machine.
+    /// An empty document, or null when one cannot be made on this machine. Where making one takes several
+    /// steps (finding the class, running it, asking for the interface), which of them failed is not told:
+    /// all of them end the reading in the same quiet way.
     virtual XmlPointer<XmlDocument> createDocument() = 0;
 };

@@ -101,7 +101,8 @@ private:
 /// not stand for itself. UTF-16 is read; other declared encodings are transcoded, and a byte without a
 /// meaning refuses the document. Nothing is fetched.
 ///
-/// Memory: about half of a usual file, never more than some four times it. Nesting takes no stack.
+/// Memory: about half of a usual file, never more than some four times it, and about a hundred bytes
+/// for each prefix that is declared. Nesting takes no stack.
 /// Errors: std::bad_alloc, or kOutOfMemory where the parser found it out.
 class PLATFORM_API XmlTable {
 public:
@@ -115,8 +116,11 @@ public:
     /// Reads a document; once only. Without kLoaded the table is empty.
     XmlLoad load(const std::wstring& path);
     /// The same from anything that opens more than once: a document is read again when its encoding
-    /// turns out to need transcoding, or its names to have prefixes.
+    /// turns out to need transcoding.
     XmlLoad load(const Open& open);
+
+    /// There is not even a root: nothing was loaded.
+    bool isEmpty() const { return elements_.empty() && blocks_.empty(); }
 
     /// Elements of one name that are inside an element, never itself: positions in the list of all
     /// elements of that name.

@@ -3,14 +3,19 @@
 #include <gtest/gtest.h>
 #include <pthread.h>
 
+#include <algorithm>
 #include <new>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 #include "raylume/animation/AnimationDocument.h"
 #include "raylume/platform/Errors.h"
+#include "raylume/platform/Text.h"
 #include "tests/animation/ScriptedXml.h"
 #include "tests/animation/SideFile.h"
 
+using namespace std::string_literals;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -61,11 +66,12 @@ TEST(ScriptedWalk, AsksInOrder)
                     "item COMPONENT 0", "element COMPONENT", "attribute COMPONENT.Name",
                     "list COMPONENT.VisualTransform", "length VisualTransform", "list COMPONENT.Transform",
                     "length Transform", "list COMPONENT.VisualState", "length VisualState",
-                    "list ANIMATION.VIEWPORT", "length VIEWPORT", "item VIEWPORT 0", "element VIEWPORT",
-                    "list VIEWPORT.ViewPointTransform", "length ViewPointTransform",
-                    "list VIEWPORT.CameraProperties", "length CameraProperties", "list ANIMATION.LIGHT",
-                    "length LIGHT", "item LIGHT 0", "element LIGHT", "list LIGHT.LightProperties",
-                    "length LightProperties"));
+                    "length COMPONENT", "list ANIMATION.VIEWPORT", "length VIEWPORT", "item VIEWPORT 0",
+                    "element VIEWPORT", "list VIEWPORT.ViewPointTransform", "length ViewPointTransform",
+                    "list VIEWPORT.CameraProperties", "length CameraProperties", "length VIEWPORT",
+                    "list ANIMATION.LIGHT", "length LIGHT", "item LIGHT 0", "element LIGHT",
+                    "list LIGHT.LightProperties", "length LightProperties", "length LIGHT",
+                    "length ANIMATION"));
 }
 
 TEST(ScriptedWalk, AsksForAttributesInOrder)
@@ -270,21 +276,120 @@ TEST(ScriptedWalk, LetsACancelledThreadGo)
     EXPECT_EQ(cancelled.script.live, 0);
 }
 
-class RefusedElement : public testing::TestWithParam<const char*> {};
+const Names kAllNames = {L"@CAMERA", L"@LIGHTS", L"@VIEWPORT", L"a"};
+
+/// What is left of everything(), which has six keys, without what a call gives.
+struct LeftCase {
+    const char* call;
+    Names names;
+    std::size_t keys;
+};
+
+class RefusedElement : public testing::TestWithParam<LeftCase> {};
 
 TEST_P(RefusedElement, IsSkippedWhenItIsNone)
 {
-    Script script{.root = everything(), .answer = failingAt(GetParam(), kXmlNoInterface)};
+    Script script{.root = everything(), .answer = failingAt(GetParam().call, kXmlNoInterface)};
     AnimationTracks tracks;
     EXPECT_TRUE(readScript(script, tracks));
+    EXPECT_EQ(keysOf(tracks), GetParam().names);
+    EXPECT_EQ(keyCount(tracks), GetParam().keys);
 }
 
-INSTANTIATE_TEST_SUITE_P(Calls, RefusedElement,
-                         testing::Values("element ANIMATION", "element COMPONENT", "element Transform",
-                                         "element VisualTransform", "element VisualState",
-                                         "element VIEWPORT", "element ViewPointTransform",
-                                         "element CameraProperties", "element LIGHT",
-                                         "element LightProperties"));
+INSTANTIATE_TEST_SUITE_P(
+    Calls, RefusedElement,
+    testing::Values(LeftCase{"element ANIMATION", {}, 0},
+                    LeftCase{"element COMPONENT", {L"@CAMERA", L"@LIGHTS", L"@VIEWPORT"}, 3},
+                    LeftCase{"element Transform", kAllNames, 5},
+                    LeftCase{"element VisualTransform", kAllNames, 5},
+                    LeftCase{"element VisualState", kAllNames, 5},
+                    LeftCase{"element VIEWPORT", {L"@LIGHTS", L"a"}, 4},
+                    LeftCase{"element ViewPointTransform", kAllNames, 5},
+                    LeftCase{"element CameraProperties", kAllNames, 5},
+                    LeftCase{"element LIGHT", {L"@CAMERA", L"@VIEWPORT", L"a"}, 5},
+                    LeftCase{"element LightProperties", kAllNames, 5}));
+
+/// The answers of a call by its turn; kXmlOk when they are used up.
+std::function<XmlResult(const std::string&)> answering(const std::string& at,
+                                                       std::vector<XmlResult> results)
+{
+    return [=, turn = std::size_t{0}](const std::string& call) mutable {
+        return call == at && turn < results.size() ? results[turn++] : kXmlOk;
+    };
+}
+
+TEST(ScriptedWalk, ARefusedItemIsSkippedAndTheOthersRead)
+{
+    Script script{.root = document({component("a", {transform("0"), transform("1"), transform("2")})}),
+                  .answer = answering("element Transform", {kXmlOk, kXmlNoInterface})};
+    AnimationTracks tracks;
+    EXPECT_TRUE(readScript(script, tracks));
+    EXPECT_EQ(keysOf(tracks[L"a"].transforms), (Times{0, 2}));
+}
+
+/// The lengths of a list by turn; the last one stays.
+std::function<void(const std::string&, std::int32_t&)> telling(const std::string& list,
+                                                               std::vector<std::int32_t> lengths)
+{
+    return [=, turn = std::size_t{0}](const std::string& call, std::int32_t& length) mutable {
+        if (call == "length " + list) {
+            length = lengths[std::min(turn++, lengths.size() - 1)];
+        }
+    };
+}
+
+TEST(ScriptedWalk, AListThatGrowsIsReadToItsEnd)
+{
+    Script script{.root = document({component("a", {transform("0"), transform("1"), transform("2")})}),
+                  .length = telling("Transform", {1, 2, 3})};
+    AnimationTracks tracks;
+    EXPECT_TRUE(readScript(script, tracks));
+    EXPECT_EQ(keysOf(tracks[L"a"].transforms), (Times{0, 1, 2}));
+    EXPECT_THAT(script.callsBeginning("item Transform "), ElementsAre("0", "1", "2"));
+}
+
+TEST(ScriptedWalk, AListThatShrinksIsNotAskedBehindItsEnd)
+{
+    Script script{.root = document({component("a", {transform("0"), transform("1"), transform("2")}),
+                                    component("b"), component("c")}),
+                  .length = telling("Transform", {3, 3, 2, 0})};
+    AnimationTracks tracks;
+    EXPECT_TRUE(readScript(script, tracks));
+    EXPECT_EQ(keysOf(tracks[L"a"].transforms), (Times{0, 1}));
+    EXPECT_THAT(script.callsBeginning("item Transform "), ElementsAre("0", "1"));
+}
+
+TEST(ScriptedWalk, ALengthThatFailsOnTheWayIsAnError)
+{
+    Script script{.root = document({component("b"), component("a", {transform("0")})}),
+                  .answer = answering("length Transform", {kXmlOk, kXmlOk, kFailure})};
+    AnimationTracks tracks;
+    EXPECT_EQ(codeOf(script, tracks), kFailure);
+    EXPECT_EQ(keysOf(tracks), (Names{L"b"}));
+}
+
+// Whether a view or the lights get an entry is settled by the first length.
+TEST(ScriptedWalk, ListsThatEndEmptyStillMakeEntries)
+{
+    for (const char* list : {"CameraProperties", "ViewPointTransform", "LightProperties"}) {
+        Script script{.root = everything(), .length = telling(list, {1, 0})};
+        AnimationTracks tracks;
+        EXPECT_TRUE(readScript(script, tracks));
+        EXPECT_EQ(keysOf(tracks), kAllNames) << list;
+        EXPECT_EQ(keyCount(tracks), 6u) << list;
+    }
+}
+
+TEST(ScriptedWalk, ListsThatStartEmptyMakeNoEntries)
+{
+    for (const char* list : {"CameraProperties", "ViewPointTransform", "LightProperties"}) {
+        Script script{.root = everything(), .length = telling(list, {0, 1})};
+        AnimationTracks tracks;
+        EXPECT_TRUE(readScript(script, tracks));
+        EXPECT_EQ(tracks.size(), 3u) << list;
+        EXPECT_EQ(keyCount(tracks), 5u) << list;
+    }
+}
 
 TEST(ScriptedWalk, ARefusalOfAnotherCallIsNoSkip)
 {
@@ -310,19 +415,30 @@ TEST(ScriptedWalk, AbsentItemsAreSkippedAndTheOthersRead)
     EXPECT_THAT(script.callsBeginning("item Transform "), ElementsAre("0", "1", "2"));
 }
 
-TEST(ScriptedWalk, AbsentListsAreEmpty)
+class AbsentList : public testing::TestWithParam<LeftCase> {};
+
+TEST_P(AbsentList, IsEmpty)
 {
-    for (const char* call :
-         {"list ANIMATION.COMPONENT", "list ANIMATION.VIEWPORT", "list ANIMATION.LIGHT",
-          "list COMPONENT.VisualTransform", "list COMPONENT.Transform", "list COMPONENT.VisualState",
-          "list VIEWPORT.ViewPointTransform", "list VIEWPORT.CameraProperties",
-          "list LIGHT.LightProperties", "list ROOT.ANIMATION"}) {
-        Script script{.root = everything(),
-                      .givesNull = [&](const std::string& asked) { return asked == call; }};
-        AnimationTracks tracks;
-        EXPECT_TRUE(readScript(script, tracks)) << call;
-    }
+    Script script{.root = everything(),
+                  .givesNull = [](const std::string& asked) { return asked == GetParam().call; }};
+    AnimationTracks tracks;
+    EXPECT_TRUE(readScript(script, tracks));
+    EXPECT_EQ(keysOf(tracks), GetParam().names);
+    EXPECT_EQ(keyCount(tracks), GetParam().keys);
 }
+
+INSTANTIATE_TEST_SUITE_P(
+    Calls, AbsentList,
+    testing::Values(LeftCase{"list ROOT.ANIMATION", {}, 0},
+                    LeftCase{"list ANIMATION.COMPONENT", {L"@CAMERA", L"@LIGHTS", L"@VIEWPORT"}, 3},
+                    LeftCase{"list ANIMATION.VIEWPORT", {L"@LIGHTS", L"a"}, 4},
+                    LeftCase{"list ANIMATION.LIGHT", {L"@CAMERA", L"@VIEWPORT", L"a"}, 5},
+                    LeftCase{"list COMPONENT.VisualTransform", kAllNames, 5},
+                    LeftCase{"list COMPONENT.Transform", kAllNames, 5},
+                    LeftCase{"list COMPONENT.VisualState", kAllNames, 5},
+                    LeftCase{"list VIEWPORT.ViewPointTransform", {L"@CAMERA", L"@LIGHTS", L"a"}, 5},
+                    LeftCase{"list VIEWPORT.CameraProperties", {L"@LIGHTS", L"@VIEWPORT", L"a"}, 5},
+                    LeftCase{"list LIGHT.LightProperties", {L"@CAMERA", L"@VIEWPORT", L"a"}, 5}));
 
 TEST(ScriptedWalk, AnAbsentRootIsANullPointer)
 {
@@ -355,6 +471,56 @@ TEST(ScriptedWalk, RefusedKeysStillMakeEmptyEntries)
     EXPECT_THAT(tracks[L"@CAMERA"].viewKeys, IsEmpty());
     EXPECT_THAT(tracks[L"@VIEWPORT"].viewKeys, IsEmpty());
     EXPECT_THAT(tracks[L"@LIGHTS"].lightTracks, IsEmpty());
+}
+
+// The entry is replaced as a whole even then, also one that a component left under this name.
+TEST(ScriptedWalk, RefusedKeysEmptyAnEarlierView)
+{
+    for (const char* tag : {"CameraProperties", "ViewPointTransform"}) {
+        const std::string name = tag == std::string("CameraProperties") ? "@CAMERA" : "@VIEWPORT";
+        const Tag former =
+            component(name, {visualTransform("0"), transform("0"), visualState("0", "1"), view(tag, "0")});
+        Script script{.root = document({former, viewport({view(tag, "0")})}),
+                      .answer = failingAt("element "s + tag, kXmlNoInterface)};
+        AnimationTracks tracks;
+        tracks[platform::fromUtf8(name)].viewKeys[7] = {};
+        tracks[platform::fromUtf8(name)].lightTracks[7][7] = {};
+        EXPECT_TRUE(readScript(script, tracks));
+        ASSERT_EQ(keysOf(tracks), (Names{platform::fromUtf8(name)}));
+        const dlAnimTrackSet& set = tracks.begin()->second;
+        EXPECT_THAT(set.visualTransforms, IsEmpty());
+        EXPECT_THAT(set.transforms, IsEmpty());
+        EXPECT_THAT(set.viewKeys, IsEmpty());
+        EXPECT_THAT(set.visualStates, IsEmpty());
+        EXPECT_THAT(set.lightTracks, IsEmpty());
+    }
+}
+
+TEST(ScriptedWalk, RefusedKeysLeaveEarlierLights)
+{
+    Script script{.root = document({light({lightKey("0", 1, 1)}), light({lightKey("1", 2, 1)})}),
+                  .answer = answering("element LightProperties", {kXmlOk, kXmlNoInterface})};
+    AnimationTracks tracks;
+    tracks[L"@LIGHTS"].transforms[3] = {};
+    EXPECT_TRUE(readScript(script, tracks));
+    EXPECT_EQ(keysOf(tracks), (Names{L"@LIGHTS"}));
+    EXPECT_THAT(keysOf(tracks[L"@LIGHTS"].lightTracks), ElementsAre(1));
+    EXPECT_EQ(keysOf(tracks[L"@LIGHTS"].lightTracks[1]), (Times{0}));
+    EXPECT_EQ(keysOf(tracks[L"@LIGHTS"].transforms), (Times{3}));
+}
+
+// Keys that an error leaves behind are those of the file, thinned by nobody.
+TEST(ScriptedWalk, AnErrorComesBeforeTheThinning)
+{
+    Script script{.root = component("a", {visualTransform("0"), visualTransform("1"),
+                                          visualTransform("2").with("Red", "x")})};
+    std::map<double, dlVisualTransformKey> track;
+    XmlPointer<XmlElement> root;
+    const XmlPointer<XmlDocument> document = ScriptedService(script).createDocument();
+    ASSERT_EQ(document->documentElement(root), kXmlOk);
+    SideFileReading reading(0);
+    EXPECT_THROW(readVisualTransformTrack(*root, track, reading), platform::ComError);
+    EXPECT_EQ(keysOf(track), (Times{0, 1}));
 }
 
 TEST(ScriptedValues, OfTheWantedTypeAreTakenAsTheyAre)
@@ -408,7 +574,9 @@ class BadValue : public testing::TestWithParam<BadValueCase> {};
 
 TEST_P(BadValue, Raises)
 {
-    Script script{.root = everything(), .value = [](const std::string& call, XmlValue& value) {
+    Tag root = everything();
+    root.children[0].children.push_back(light({lightKey("0", 1, 6)}));
+    Script script{.root = root, .value = [](const std::string& call, XmlValue& value) {
                       if (call == GetParam().call) {
                           value = GetParam().value;
                       }
@@ -426,6 +594,10 @@ INSTANTIATE_TEST_SUITE_P(
                     BadValueCase{"real_beyond_integers",
                                  "attribute Transform.InterpolateMode",
                                  {.type = Type::kReal, .real = 3e9},
+                                 0x8002000Au},
+                    BadValueCase{"real_beyond_floats",
+                                 "attribute LightProperties.sunTime",
+                                 {.type = Type::kReal, .real = 1e39},
                                  0x8002000Au},
                     BadValueCase{"time_that_cannot_be_ordered",
                                  "attribute Transform.Time",

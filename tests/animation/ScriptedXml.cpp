@@ -83,8 +83,12 @@ public:
 
     XmlResult length(std::int32_t& length) override
     {
+        const std::string call = "length " + name_;
         length = static_cast<std::int32_t>(tags_.size());
-        return script_.run("length " + name_);
+        if (script_.length) {
+            script_.length(call, length);
+        }
+        return script_.run(call);
     }
 
     XmlResult item(std::int32_t index, XmlPointer<XmlNode>& node) override

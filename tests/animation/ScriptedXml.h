@@ -2,6 +2,7 @@
 // what it handed out.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <vector>
@@ -23,6 +24,8 @@ struct Script {
     std::function<bool(const std::string& call)> givesNull = {};
     /// Changes the value of an attribute.
     std::function<void(const std::string& call, XmlValue& value)> value = {};
+    /// Changes the length of a list, which may tell another one each time.
+    std::function<void(const std::string& call, std::int32_t& length)> length = {};
 
     std::vector<std::string> calls = {};
     int live = 0;  ///< References that are not released.

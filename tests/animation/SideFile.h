@@ -63,5 +63,24 @@ std::vector<typename Map::key_type> keysOf(const Map& map)
     return keys;
 }
 
+inline std::size_t keyCount(const dlAnimTrackSet& set)
+{
+    std::size_t count =
+        set.visualTransforms.size() + set.transforms.size() + set.viewKeys.size() + set.visualStates.size();
+    for (const auto& track : set.lightTracks) {
+        count += track.second.size();
+    }
+    return count;
+}
+
+inline std::size_t keyCount(const AnimationTracks& tracks)
+{
+    std::size_t count = 0;
+    for (const auto& entry : tracks) {
+        count += keyCount(entry.second);
+    }
+    return count;
+}
+
 using Names = std::vector<std::wstring>;
 using Times = std::vector<double>;

@@ -2,10 +2,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
+#include <string>
 
 #include "tests/animation/SideFile.h"
 
+using namespace std::string_literals;
 using testing::IsEmpty;
 
 namespace {
@@ -37,16 +40,28 @@ TEST(SideFileHostile, EveryPrefixGivesNothing)
 TEST(SideFileHostile, EveryFlippedByteHasAnOutcome)
 {
     const std::string xml = goodFile().text();
+    AnimationTracks whole;
+    ASSERT_TRUE(readSideFile(xml, whole));
+    std::size_t most = 0;
+    for (const auto& entry : whole) {
+        most = std::max(most, keyCount(entry.second));
+    }
     std::size_t quiet = 0;
     std::size_t errors = 0;
     for (std::size_t at = 0; at < xml.size(); ++at) {
-        for (const int bit : {0, 5, 7}) {
+        for (int bit = 0; bit < 8; ++bit) {
             std::string flipped = xml;
             flipped[at] = static_cast<char>(flipped[at] ^ (1 << bit));
             AnimationTracks tracks;
             const bool result = readSideFile(flipped, tracks);
             quiet += result && tracks.empty() ? 1 : 0;
             errors += result ? 0 : 1;
+            for (const auto& [name, set] : tracks) {
+                // One more: two keys that shared a time, or that the thinning took, may stand apart now.
+                const auto found = whole.find(name);
+                const std::size_t former = found == whole.end() ? most : keyCount(found->second);
+                ASSERT_LE(keyCount(set), former + 1) << at << " " << bit;
+            }
         }
     }
     EXPECT_GT(quiet, xml.size()) << "no flip broke the rules of XML";
@@ -71,19 +86,53 @@ const std::string kGood = "<r><ANIMATION><COMPONENT Name=\"a\"/></ANIMATION></r>
 const std::string kBadNumber =
     "<r><ANIMATION><COMPONENT Name=\"a\"><Transform Time=\"x\"/></COMPONENT></ANIMATION></r>";
 
+std::string behindTheLast(const std::string& text)
+{
+    return kGood.substr(0, kGood.size() - 4) + text + "</r>";
+}
+
+std::string declaring(const std::string& encoding)
+{
+    return "<?xml version='1.0' encoding='" + encoding + "'?>";
+}
+
 // What is wrong stands behind the last element of use, or would be an error if it were looked at.
-INSTANTIATE_TEST_SUITE_P(Rows, BrokenFile,
-                         testing::Values(BrokenCase{"empty", ""}, BrokenCase{"blank", " \n"},
-                                         BrokenCase{"text", "hello"},
-                                         BrokenCase{"two_roots", kGood + "<r/>"},
-                                         BrokenCase{"text_behind_the_root", kGood + "x"},
-                                         BrokenCase{"open_root", kGood.substr(0, kGood.size() - 4)},
-                                         BrokenCase{"wrong_end", kGood.substr(0, kGood.size() - 2) + "s>"},
-                                         BrokenCase{"bad_byte_in_a_comment", kGood + "<!-- \xFF -->"},
-                                         BrokenCase{"open_comment", kGood + "<!-- "},
-                                         BrokenCase{"bad_number_and_two_roots", kBadNumber + "<r/>"},
-                                         BrokenCase{"zero_byte", kGood + std::string(1, '\0')}),
-                         [](const auto& row) { return row.param.name; });
+INSTANTIATE_TEST_SUITE_P(
+    Rows, BrokenFile,
+    testing::Values(BrokenCase{"empty", ""}, BrokenCase{"blank", " \n"}, BrokenCase{"text", "hello"},
+                    BrokenCase{"two_roots", kGood + "<r/>"},
+                    BrokenCase{"text_behind_the_root", kGood + "x"},
+                    BrokenCase{"open_root", kGood.substr(0, kGood.size() - 4)},
+                    BrokenCase{"wrong_end", kGood.substr(0, kGood.size() - 2) + "s>"},
+                    BrokenCase{"bad_byte_in_a_comment", kGood + "<!-- \xFF -->"},
+                    BrokenCase{"open_comment", kGood + "<!-- "},
+                    BrokenCase{"bad_number_and_two_roots", kBadNumber + "<r/>"},
+                    BrokenCase{"zero_byte", kGood + std::string(1, '\0')},
+                    BrokenCase{"external_identifier", "<!DOCTYPE r SYSTEM 'x.dtd'>" + kGood},
+                    BrokenCase{"parameter_entity", "<!DOCTYPE r [<!ENTITY % p 'x'>]>" + kGood},
+                    BrokenCase{"undeclared_prefix", behindTheLast("<p:x/>")},
+                    BrokenCase{"colon_in_an_instruction", kGood + "<?p:i?>"},
+                    BrokenCase{"version_1_1", "<?xml version='1.1'?>" + kGood},
+                    BrokenCase{"undefined_entity", behindTheLast("&e;")},
+                    BrokenCase{"utf7", declaring("UTF-7") + kGood},
+                    BrokenCase{"bad_byte_of_shift_jis", declaring("Shift_JIS") + kGood + "<!-- \x82 -->"},
+                    BrokenCase{"half_a_character", declaring("CESU-8") + kGood + "<!-- \xED\xA0\x80 -->"}),
+    [](const auto& row) { return row.param.name; });
+
+TEST(TableDocument, HasNoRootUnlessItIsLoaded)
+{
+    TableXmlService service([] { return std::make_unique<BytesInMemory>("<r><a></r>"); });
+    const XmlPointer<XmlDocument> document = service.createDocument();
+    XmlPointer<XmlElement> root;
+    EXPECT_EQ(document->documentElement(root), kXmlOk);
+    EXPECT_EQ(root, nullptr);
+    bool isLoaded = true;
+    std::uint64_t size = 0;
+    EXPECT_EQ(document->load(L"", isLoaded, size), kXmlOk);
+    EXPECT_FALSE(isLoaded);
+    EXPECT_EQ(document->documentElement(root), kXmlOk);
+    EXPECT_EQ(root, nullptr);
+}
 
 // Each of n nested components of one key files those of all below it: n (n + 1) / 2 keys.
 TEST(SideFileBudget, LetsDeepComponentsThrough)
@@ -129,30 +178,72 @@ std::string manyLights(std::size_t count)
     return xml + "</LIGHT></ANIMATION></r>";
 }
 
-TEST(SideFileBudget, IsCountedExactly)
+struct RepeatCase {
+    const char* name;
+    const char* holder;
+    Tag key;
+    const wchar_t* entry;
+};
+
+class RepeatedKeys : public testing::TestWithParam<RepeatCase> {};
+
+// Elements inside of 1000 others count 1000 times, however they are met again.
+TEST_P(RepeatedKeys, AreCountedExactly)
 {
-    std::string keys;
-    std::size_t count = 0;
-    // One light element inside of 400 others counts 400 times.
+    constexpr std::size_t kHolders = 1000;
+    constexpr std::size_t kKeys = 80;
     std::string open;
     std::string close;
-    for (int i = 0; i < 400; ++i) {
-        open += "<LIGHT>";
-        close += "</LIGHT>";
+    std::string keys;
+    for (std::size_t i = 0; i < kHolders; ++i) {
+        open += "<"s + GetParam().holder + ">";
+        close += "</"s + GetParam().holder + ">";
     }
-    const std::string key = lightKey("0", 1, 1).text();
-    for (; count < 180; ++count) {
-        keys += key;
+    for (std::size_t i = 0; i < kKeys; ++i) {
+        keys += GetParam().key.text();
     }
     const std::string xml = "<r><ANIMATION>" + open + keys + close + "</ANIMATION></r>";
-    const std::size_t handed = 400 * count;
-    const std::size_t sizeNeeded = (handed - 65536) * 8;
+    const std::size_t sizeNeeded = (kHolders * kKeys - 65536) * 8;
     ASSERT_LT(xml.size(), sizeNeeded) << "the test needs more repeats";
     AnimationTracks tracks;
     EXPECT_TRUE(readSideFile(xml + std::string(sizeNeeded - xml.size(), ' '), tracks));
     tracks.clear();
     EXPECT_FALSE(readSideFile(xml + std::string(sizeNeeded - xml.size() - 1, ' '), tracks));
-    EXPECT_EQ(tracks[L"@LIGHTS"].lightTracks.size(), 1u) << "earlier lights stay";
+    EXPECT_EQ(keysOf(tracks), (Names{GetParam().entry}));
+    EXPECT_EQ(keyCount(tracks), 1u) << "what was read before stays";
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, RepeatedKeys,
+    testing::Values(RepeatCase{"lights", "LIGHT", lightKey("0", 1, 1), L"@LIGHTS"},
+                    RepeatCase{"cameras", "VIEWPORT", camera("0"), L"@CAMERA"},
+                    RepeatCase{"view_points", "VIEWPORT", viewPoint("0"), L"@VIEWPORT"},
+                    RepeatCase{"appearances", "COMPONENT", visualTransform("0"), L""},
+                    RepeatCase{"placements", "COMPONENT", transform("0"), L""},
+                    RepeatCase{"visibilities", "COMPONENT", visualState("0", "1"), L""}),
+    [](const auto& row) { return row.param.name; });
+
+// As many containers as the file has bytes, and 65,536 more, may be met; nesting asks for their product.
+TEST(SideFileBudget, CountsContainersExactly)
+{
+    constexpr std::size_t kAnimations = 400;
+    constexpr std::size_t kComponents = 400;
+    std::string xml = "<r>";
+    for (std::size_t i = 0; i < kAnimations; ++i) {
+        xml += "<ANIMATION>";
+    }
+    for (std::size_t i = 0; i < kComponents; ++i) {
+        xml += "<COMPONENT/>";
+    }
+    for (std::size_t i = 0; i < kAnimations; ++i) {
+        xml += "</ANIMATION>";
+    }
+    xml += "</r>";
+    const std::size_t sizeNeeded = kAnimations * kComponents - 65536;
+    ASSERT_LT(xml.size(), sizeNeeded) << "the test needs more repeats";
+    AnimationTracks tracks;
+    EXPECT_TRUE(readSideFile(xml + std::string(sizeNeeded - xml.size(), ' '), tracks));
+    EXPECT_FALSE(readSideFile(xml + std::string(sizeNeeded - xml.size() - 1, ' '), tracks));
 }
 
 // Elements that hold no keys cost time, too, when animations repeat them.

@@ -21,6 +21,7 @@ TEST(ViewTracks, HoldEveryField)
         const dlViewKey key = tracks.at(row.name).viewKeys.at(row.time);
         EXPECT_EQ(key.interpolateMode, 5);
         EXPECT_EQ(key.position[0], row.first + 100);
+        EXPECT_EQ(key.position[1], row.first + 101);
         EXPECT_EQ(key.position[2], row.first + 102);
         EXPECT_EQ(key.focalDistance, row.first + 200);
         EXPECT_EQ(key.focalLength, row.first + 201);

@@ -1,12 +1,16 @@
 #include "raylume/platform/XmlTable.h"
 
+#include <expat.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstring>
 #include <optional>
+#include <random>
 #include <string>
+#include <vector>
 
 #include "raylume/platform/Text.h"
 #include "tests/platform/TemporaryFolder.h"
@@ -261,7 +265,22 @@ INSTANTIATE_TEST_SUITE_P(
         DocumentCase{"iso_2022", declared("ISO-2022-JP")}, DocumentCase{"scsu", declared("SCSU")},
         DocumentCase{"bad_bytes_of_932", declared("Shift_JIS", "<r>\x82</r>")},
         DocumentCase{"cut_character_at_the_end", declared("Shift_JIS", kBody + "\x82")},
-        DocumentCase{"unassigned_byte_of_1252", declared("windows-1253", "<r>\xD2</r>")},
+        DocumentCase{"unassigned_byte_of_1253", declared("windows-1253", "<r>\xD2</r>")},
+        DocumentCase{"lone_surrogate_of_cesu", declared("CESU-8", "<r>\xED\xA0\x80</r>")},
+        DocumentCase{"lone_surrogate_of_cesu_at_the_end", declared("CESU-8", kBody + "\xED\xA0\x80")},
+        DocumentCase{"instruction_with_a_colon", "<?p:i x?>" + kBody},
+        DocumentCase{"inner_instruction_with_a_colon", "<r><a/><?p:i?></r>"},
+        DocumentCase{"instruction_with_a_colon_behind_the_root", kBody + "<?i:?>"},
+        DocumentCase{"entity_with_a_colon", "<!DOCTYPE r [<!ENTITY p:e 'x'>]>" + kBody},
+        DocumentCase{"document_type_with_two_colons", "<!DOCTYPE a:b:c>" + kBody},
+        DocumentCase{"declared_attribute_with_two_colons",
+                     "<!DOCTYPE r [<!ATTLIST q a:b:c CDATA #IMPLIED>]>" + kBody},
+        DocumentCase{"declared_element_with_two_colons",
+                     "<!DOCTYPE r [<!ATTLIST a:b:c x CDATA #IMPLIED>]>" + kBody},
+        DocumentCase{"undeclared_prefix_of_a_default",
+                     "<!DOCTYPE r [<!ATTLIST q p:x CDATA 'd'>]><r><a/><q/></r>"},
+        DocumentCase{"undeclared_prefix_of_the_root", "<p:r><a/></p:r>"},
+        DocumentCase{"undeclared_prefix_behind_a_scope", "<r><q xmlns:p='u'><p:q/></q><a p:x='1'/></r>"},
         DocumentCase{"ascii_beyond_its_range", declared("US-ASCII", "<r>\xE9</r>")}),
     [](const auto& row) { return row.param.name; });
 
@@ -289,6 +308,14 @@ INSTANTIATE_TEST_SUITE_P(
         DocumentCase{"default_namespace", "<r xmlns='u'><a/></r>"},
         DocumentCase{"own_namespace", "<r><a xmlns='u'/></r>"},
         DocumentCase{"other_prefix", "<r xmlns:p='u'><p:a/><a p:x='1'/></r>"},
+        DocumentCase{"prefix_of_a_default",
+                     "<!DOCTYPE r [<!ATTLIST r xmlns:p CDATA 'u'>]><r><p:q/><a p:x='1'/></r>"},
+        DocumentCase{"prefix_declared_behind_its_use", "<r><a p:x='1' xmlns:p='u'/></r>"},
+        DocumentCase{"prefix_declared_anew", "<r xmlns:p='u'><q xmlns:p='v' p:x='1'/><a p:x='1'/></r>"},
+        DocumentCase{"one_attribute_in_two_namespaces",
+                     "<r xmlns:p='u' xmlns:q='v'><a x='0' p:x='1' q:x='2'/></r>"},
+        DocumentCase{"default_namespace_taken_back", "<r xmlns='u'><a xmlns=''/></r>"},
+        DocumentCase{"instruction_with_a_colon_in_its_text", "<?i p:i?>" + kBody},
         DocumentCase{"prefix_of_the_language", "<r xml:lang='en'><a xml:space='preserve'/></r>"},
         DocumentCase{"utf8_in_small", declared("utf-8")},
         DocumentCase{"transcoded", declared("windows-1252")}),
@@ -341,6 +368,7 @@ INSTANTIATE_TEST_SUITE_P(
         EncodingCase{"gb18030", declared("GB18030", holding("\xBA\xBA\x94\x39\xFC\x36")),
                      "\u6C49\U0001F600"},
         EncodingCase{"big5", declared("Big5", holding("\xBA\x7E")), "\u6F22"},
+        EncodingCase{"cesu", declared("CESU-8", holding("\xED\xA0\xBD\xED\xB8\x80")), "\U0001F600"},
         EncodingCase{"utf16_little", "\xFF\xFE" + utf16(L"<r><a x='\u00E9'/></r>", false), "\u00E9"},
         EncodingCase{"utf16_big", "\xFE\xFF" + utf16(L"<r><a x='\u6F22'/></r>", true), "\u6F22"},
         EncodingCase{
@@ -400,6 +428,131 @@ TEST(XmlTable, EndsADocumentThatGrowsByManyDefaults)
     EXPECT_EQ(Table(xml + "</r>").load().status, XmlStatus::kOutOfMemory);
 }
 
+// A name costs time each time, too, and a declaration of the document gives it to every element.
+TEST(XmlTable, EndsADocumentThatGrowsByALongNameOfADefault)
+{
+    for (const char* element : {"a", "q"}) {
+        std::string xml =
+            "<!DOCTYPE r [<!ATTLIST "s + element + " " + std::string(500000, 'n') + " CDATA ''>]><r>";
+        for (int i = 0; i < 1000; ++i) {
+            xml += "<"s + element + "/>";
+        }
+        EXPECT_EQ(Table(xml + "</r>").load().status, XmlStatus::kOutOfMemory) << element;
+    }
+}
+
+TEST(XmlTable, EndsADocumentThatGrowsByADeclaredNamespace)
+{
+    std::string xml = "<!DOCTYPE r [<!ATTLIST a xmlns:p CDATA '" + std::string(500000, 'u') + "'>]><r>";
+    for (int i = 0; i < 1000; ++i) {
+        xml += "<a/>";
+    }
+    EXPECT_EQ(Table(xml + "</r>").load().status, XmlStatus::kOutOfMemory);
+}
+
+TEST(XmlTable, EndsADocumentThatGrowsByElements)
+{
+    std::string elements;
+    for (int i = 0; i < 62000; ++i) {
+        elements += "<a/>";
+    }
+    std::string xml = "<!DOCTYPE r [<!ENTITY e '" + elements + "'>]><r>";
+    for (int i = 0; i < 12; ++i) {
+        xml += "&e;";
+    }
+    const Table table(xml + "</r>");
+    EXPECT_EQ(table.load().status, XmlStatus::kOutOfMemory);
+    EXPECT_TRUE(table.table().isEmpty());
+}
+
+// The shortest tags there are, in the longest and the shortest pieces.
+TEST(XmlTable, LetsElementsThroughThatAreWrittenOut)
+{
+    std::string open = "<r>";
+    std::string close;
+    for (int i = 0; i < 200000; ++i) {
+        open += "<a>";
+        close += "</a>";
+    }
+    EXPECT_TRUE(Table(open + close + "</r>").isLoaded());
+    EXPECT_TRUE(Table(open + close + "</r>", 1).isLoaded());
+}
+
+TEST(XmlTable, TakesNoTimeForALongNamespace)
+{
+    std::string xml =
+        "<r xmlns='" + std::string(1000000, 'd') + "' xmlns:p='" + std::string(1000000, 'u') + "'>";
+    for (int i = 0; i < 100000; ++i) {
+        xml += "<p:q p:x=''/><a/>";
+    }
+    const auto start = std::chrono::steady_clock::now();
+    const Table table(xml + "</r>");
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
+    ASSERT_TRUE(table.isLoaded()) << table.load().reason;
+    EXPECT_EQ(table.inside(0, kA).size(), 100000u);
+}
+
+/// Small documents full of prefixes, right and wrong.
+class Prefixes {
+public:
+    explicit Prefixes(unsigned seed) : random_(seed) {}
+
+    std::string element(int depth)
+    {
+        const std::string name =
+            oneOf({"a", "a", "a", "p:a", "p:a", "q:b", "p:1", "xml:a", "xmlns:a", "p:\u00E9", "p:\u0660",
+                   "p:\u02BB", "p:\u0301", "p:\u3005", "p:.", "p:_", "p:a:b", ":a", "p:"});
+        std::string xml = "<" + name;
+        for (int i = 0; i < number(4); ++i) {
+            xml += " " +
+                   oneOf({"x",       "p:x",     "q:x",     "q:x",     "p:y",     "xml:lang",  "xmlns",
+                          "xmlns:p", "xmlns:p", "xmlns:p", "xmlns:q", "xmlns:q", "xmlns:xml", "xmlns:xmlns",
+                          "xmlns:1", "xmlns:",  "xmlnsx",  "p:xmlns", "p:-x",    "r:x"}) +
+                   "='" +
+                   oneOf({"u", "u", "u", "v", "v", "", "http://www.w3.org/XML/1998/namespace",
+                          "http://www.w3.org/2000/xmlns/"}) +
+                   "'";
+        }
+        xml += ">";
+        for (int i = 0; depth > 0 && i < number(3); ++i) {
+            xml += element(depth - 1);
+        }
+        return xml + "</" + name + ">";
+    }
+
+private:
+    int number(int count) { return std::uniform_int_distribution<int>(0, count - 1)(random_); }
+    std::string oneOf(const std::vector<std::string>& texts)
+    {
+        return texts[static_cast<std::size_t>(number(static_cast<int>(texts.size())))];
+    }
+
+    std::mt19937 random_;
+};
+
+bool isLoadedByAnother(const std::string& xml)
+{
+    const XML_Parser parser = XML_ParserCreateNS(nullptr, '\f');
+    const XML_Status status = XML_Parse(parser, xml.data(), static_cast<int>(xml.size()), 1);
+    XML_ParserFree(parser);
+    return status == XML_STATUS_OK;
+}
+
+// The parser's own rules of namespaces, which the table does not use for the time that they can take.
+TEST(XmlTable, AgreesOnNamespacesWithTheParser)
+{
+    Prefixes prefixes(1);
+    int loaded = 0;
+    int refused = 0;
+    while (loaded < 2000 || refused < 2000) {
+        const std::string xml =
+            "<r xmlns:p='u' xmlns:q='v'>" + prefixes.element(2) + prefixes.element(0) + "</r>";
+        const bool expected = isLoadedByAnother(xml);
+        ASSERT_EQ(Table(xml).isLoaded(), expected) << xml;
+        ++(expected ? loaded : refused);
+    }
+}
+
 TEST(XmlTable, EndsADocumentOfEntitiesOfEntities)
 {
     std::string xml = "<!DOCTYPE r [<!ENTITY e0 'x'>";
@@ -432,9 +585,25 @@ TEST(XmlTable, TakesNoStackForNesting)
 
 TEST(XmlTable, IsEmptyAfterARefusal)
 {
-    XmlTable table({{"a"}, {"x"}});
-    EXPECT_EQ(table.load([] { return std::make_unique<Bytes>("<r><a x='1'/>", 100); }).status,
-              XmlStatus::kRefused);
+    EXPECT_TRUE(XmlTable({{"a"}, {"x"}}).isEmpty());
+    EXPECT_FALSE(Table("<q/>").table().isEmpty());
+    const std::string defaults = "<!DOCTYPE r [<!ATTLIST a x CDATA '" + std::string(300000, 'v') + "'>]>";
+    const struct {
+        std::string xml;
+        XmlStatus status;
+    } rows[] = {
+        {"<r><a x='1'/>", XmlStatus::kRefused},
+        {"<r><a x='1'/></r><r/>", XmlStatus::kRefused},
+        {"<r><a x='1'/><a p:x='1'/></r>", XmlStatus::kRefused},
+        {"<r><a x='1'/><?p:i?></r>", XmlStatus::kRefused},
+        {declared("windows-1253", "<r><a x='1'/>\xD2</r>"), XmlStatus::kRefused},
+        {defaults + "<r><a/><a/><a/><a/><a/><a/><a/><a/></r>", XmlStatus::kOutOfMemory},
+    };
+    for (const auto& row : rows) {
+        const Table table(row.xml);
+        EXPECT_EQ(table.load().status, row.status) << row.xml.substr(0, 50);
+        EXPECT_TRUE(table.table().isEmpty()) << row.xml.substr(0, 50);
+    }
 }
 
 }  // namespace

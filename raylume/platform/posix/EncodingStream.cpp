@@ -22,6 +22,9 @@ Converter openStopping(const char* name)
     Converter converter(ucnv_open(name, &error));
     if (U_SUCCESS(error)) {
         ucnv_setToUCallBack(converter.get(), UCNV_TO_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &error);
+        // Some encodings can say halves of characters, which UTF-8 cannot.
+        ucnv_setFromUCallBack(converter.get(), UCNV_FROM_U_CALLBACK_STOP, nullptr, nullptr, nullptr,
+                              &error);
     }
     return U_SUCCESS(error) ? std::move(converter) : nullptr;
 }
@@ -70,7 +73,7 @@ public:
     TranscodedFile(std::unique_ptr<InputFile> file, Converter from, Converter to, bool* isBroken)
         : file_(std::move(file)), from_(std::move(from)), to_(std::move(to)), isBroken_(isBroken)
     {
-        // An old habit of one maker of tables: these controls stand in one another's places.
+        // The library's tables for Shift_JIS rotate three controls.
         rotatesControls_ = decodesTo(from_.get(), "\x1A\x1C\x7F", u"\x1C\x7F\x1A");
     }
 

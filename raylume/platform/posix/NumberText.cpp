@@ -72,7 +72,7 @@ struct Decimal {
 };
 
 // Exponents are cut off here: beyond it no text that fits a machine changes the answer.
-// Ten times as much still fits.
+// Ten times the limit still fits into 64 bits.
 constexpr std::int64_t kExponentLimit = std::int64_t{1} << 58;
 
 /// Reads a Decimal from a text, piece by piece.

@@ -3,12 +3,16 @@
 #include <expat.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <cstring>
+#include <limits>
 #include <new>
 #include <string_view>
 #include <type_traits>
 #include <utility>
 
 #include "raylume/platform/posix/EncodingStream.h"
+#include "raylume/platform/posix/NamespaceCheck.h"
 #include "raylume/platform/posix/XmlTableBuilder.h"
 
 namespace platform {
@@ -21,16 +25,54 @@ struct FreeParser {
 using Parser = std::unique_ptr<std::remove_pointer_t<XML_Parser>, FreeParser>;
 
 constexpr int kChunk = 1 << 16;
-// Never part of an address, since no document may hold it.
-constexpr XML_Char kBetweenNamespaceAndName = '\f';
 
 // A document can ask for much more than it is long, by entities and by attributes that its own
-// declarations give to every element. What is written out stays far below all of these. How far the text of
-// entities may grow is the parser's own limit.
+// declarations give to every element. What is written out stays below all of these: a tag has three
+// bytes or more, and an element without attributes takes twelve. How far the text of entities may grow
+// is the parser's own limit.
 constexpr std::uint64_t kFreeAttributes = 65536;
 constexpr std::uint64_t kFreeSize = 65536;
 constexpr std::uint64_t kKeptForEachByte = 4;
 constexpr int kMostNestedEntities = 1000;  // Each level takes stack.
+
+// The parser's memory comes from where all other comes from, so that a program has one place to limit it.
+// In front of each block stands its size, for growing.
+constexpr std::size_t kHeader = alignof(std::max_align_t);
+static_assert(kHeader >= sizeof(std::size_t));
+
+void* allocate(std::size_t size)
+{
+    if (size > std::numeric_limits<std::size_t>::max() - kHeader) {
+        return nullptr;
+    }
+    void* const start = ::operator new(size + kHeader, std::nothrow);
+    if (!start) {
+        return nullptr;
+    }
+    std::memcpy(start, &size, sizeof size);
+    return static_cast<char*>(start) + kHeader;
+}
+
+void release(void* block)
+{
+    if (block) {
+        ::operator delete(static_cast<char*>(block) - kHeader);
+    }
+}
+
+void* reallocate(void* block, std::size_t size)
+{
+    void* const larger = allocate(size);
+    if (larger && block) {
+        std::size_t former = 0;
+        std::memcpy(&former, static_cast<char*>(block) - kHeader, sizeof former);
+        std::memcpy(larger, block, std::min(former, size));
+        release(block);
+    }
+    return larger;
+}
+
+constexpr XML_Memory_Handling_Suite kMemory = {allocate, reallocate, release};
 
 class CountedFile final : public InputFile {
 public:
@@ -55,10 +97,8 @@ private:
 class Pass {
 public:
     /// With an encoding, the document's own word on it counts for nothing.
-    Pass(XmlTable& table, bool withNamespaces, const char* encoding)
-        : builder_(table),
-          parser_(withNamespaces ? XML_ParserCreateNS(encoding, kBetweenNamespaceAndName)
-                                 : XML_ParserCreate(encoding))
+    Pass(XmlTable& table, const char* encoding)
+        : builder_(table), parser_(XML_ParserCreate_MM(encoding, &kMemory, nullptr))
     {
         if (!parser_) {
             throw std::bad_alloc();
@@ -69,26 +109,31 @@ public:
 
     void run(InputFile& file)
     {
-        bool isOver = false;
-        while (!isOver) {
-            void* const buffer = XML_GetBuffer(parser_.get(), kChunk);
-            const std::size_t count = buffer ? file.read(buffer, kChunk) : 0;
+        while (void* const buffer = XML_GetBuffer(parser_.get(), kChunk)) {
+            const std::size_t count = file.read(buffer, kChunk);
             fed_ += count;
-            isOver = count == 0 || !buffer;
-            const auto status =
-                buffer ? XML_ParseBuffer(parser_.get(), static_cast<int>(count), isOver) : XML_STATUS_ERROR;
-            if (status != XML_STATUS_OK) {
-                fail();
+            if (XML_ParseBuffer(parser_.get(), static_cast<int>(count), count == 0) != XML_STATUS_OK) {
+                break;
+            }
+            if (count == 0) {
+                load_.status = XmlStatus::kLoaded;
                 return;
             }
         }
-        load_.status = XmlStatus::kLoaded;
+        fail();
     }
 
     const XmlLoad& load() const { return load_; }
-    bool sawPrefix() const { return builder_.sawPrefix(); }
     /// The encoding that the document declares and the parser does not know; empty when there is none.
     const std::string& unknownEncoding() const { return unknownEncoding_; }
+
+    /// Raises what could not be raised inside of the parser.
+    void raiseIfOutOfMemory() const
+    {
+        if (ranOut_) {
+            throw std::bad_alloc();
+        }
+    }
 
 private:
     void setHandlers()
@@ -97,7 +142,9 @@ private:
         XML_SetElementHandler(parser, onStart, onEnd);
         XML_SetXmlDeclHandler(parser, onDeclaration);
         XML_SetStartDoctypeDeclHandler(parser, onDoctype);
+        XML_SetAttlistDeclHandler(parser, onAttributeDeclaration);
         XML_SetEntityDeclHandler(parser, onEntity);
+        XML_SetProcessingInstructionHandler(parser, onInstruction);
         XML_SetNotationDeclHandler(parser, onNotation);
         XML_SetUnknownEncodingHandler(parser, onUnknownEncoding, this);
         // Otherwise a reference to an unknown parameter entity passes in silence, and takes all later
@@ -149,6 +196,10 @@ private:
                 return;
             }
             self.builder_.start(name, attributes);
+            // An element with neither is no business of namespaces, and nor is one in front of the first.
+            if (self.builder_.sawPrefix() && !self.namespaces_.start(name, attributes)) {
+                self.stop(XmlStatus::kRefused, "a name against the rules of namespaces");
+            }
             self.checkProportion();
         });
     }
@@ -158,6 +209,9 @@ private:
         Pass& self = *static_cast<Pass*>(pass);
         if (!self.isStopped()) {
             self.builder_.end();
+            if (self.builder_.sawPrefix()) {
+                self.namespaces_.end();
+            }
         }
     }
 
@@ -167,7 +221,8 @@ private:
     void checkProportion()
     {
         if (builder_.attributeCount() > kFreeAttributes + fed_ ||
-            builder_.keptSize() > kFreeSize + kKeptForEachByte * fed_ || builder_.isFull()) {
+            builder_.keptSize() + namespaces_.declaredSize() > kFreeSize + kKeptForEachByte * fed_ ||
+            builder_.isFull()) {
             stop(XmlStatus::kOutOfMemory, "more than a document of this length may hold");
         }
     }
@@ -181,10 +236,28 @@ private:
         });
     }
 
-    static void XMLCALL onDoctype(void* pass, const XML_Char*, const XML_Char* systemId,
+    static void XMLCALL onDoctype(void* pass, const XML_Char* name, const XML_Char* systemId,
                                   const XML_Char* publicId, int)
     {
-        guarded(pass, [&](Pass& self) { self.checkExternal(systemId, publicId); });
+        guarded(pass, [&](Pass& self) {
+            self.checkExternal(systemId, publicId);
+            self.checkQualified(name);
+        });
+    }
+
+    static void XMLCALL onAttributeDeclaration(void* pass, const XML_Char* element,
+                                               const XML_Char* attribute, const XML_Char*, const XML_Char*,
+                                               int)
+    {
+        guarded(pass, [&](Pass& self) {
+            self.checkQualified(element);
+            self.checkQualified(attribute);
+        });
+    }
+
+    static void XMLCALL onInstruction(void* pass, const XML_Char* target, const XML_Char*)
+    {
+        guarded(pass, [&](Pass& self) { self.checkWithoutColon(target); });
     }
 
     static void XMLCALL onNotation(void* pass, const XML_Char*, const XML_Char*, const XML_Char* systemId,
@@ -193,12 +266,13 @@ private:
         guarded(pass, [&](Pass& self) { self.checkExternal(systemId, publicId); });
     }
 
-    static void XMLCALL onEntity(void* pass, const XML_Char*, int isParameter, const XML_Char* value,
+    static void XMLCALL onEntity(void* pass, const XML_Char* name, int isParameter, const XML_Char* value,
                                  int length, const XML_Char*, const XML_Char* systemId,
                                  const XML_Char* publicId, const XML_Char*)
     {
         guarded(pass, [&](Pass& self) {
             self.checkExternal(systemId, publicId);
+            self.checkWithoutColon(name);
             if (isParameter) {
                 self.stop(XmlStatus::kRefused, "a parameter entity");
             }
@@ -210,6 +284,21 @@ private:
     {
         if (systemId || publicId) {
             stop(XmlStatus::kRefused, "an external identifier");
+        }
+    }
+
+    void checkQualified(std::string_view name)
+    {
+        if (!NamespaceCheck::isQualified(name)) {
+            stop(XmlStatus::kRefused, "a declared name against the rules of namespaces");
+        }
+    }
+
+    // Entities and instructions have no namespaces.
+    void checkWithoutColon(std::string_view name)
+    {
+        if (name.find(':') != std::string_view::npos) {
+            stop(XmlStatus::kRefused, "a colon in the name of an entity or instruction");
         }
     }
 
@@ -233,17 +322,8 @@ private:
         return XML_STATUS_ERROR;
     }
 
-public:
-    /// Raises what could not be raised inside of the parser.
-    void raiseIfOutOfMemory() const
-    {
-        if (ranOut_) {
-            throw std::bad_alloc();
-        }
-    }
-
-private:
     XmlTableBuilder builder_;
+    NamespaceCheck namespaces_;
     Parser parser_;
     XmlLoad load_;
     std::string unknownEncoding_;
@@ -252,46 +332,33 @@ private:
     bool ranOut_ = false;
 };
 
-/// All readings of one document: as it is, or by its declared encoding, and by the rules of
-/// namespaces where it has any.
+/// The readings of one document: as it is, and then by its declared encoding if the parser does not know
+/// it.
 class Reading {
 public:
     explicit Reading(const XmlTable::Open& open) : open_(open) {}
 
     XmlLoad run(XmlTable& table)
     {
-        bool sawPrefix = false;
-        XmlLoad load = pass(table, false, sawPrefix);
-        if (load.status == XmlStatus::kRefused && !encoding_.empty()) {
-            load = pass(table, false, sawPrefix);
-        }
-        if (load.status == XmlStatus::kLoaded && sawPrefix) {
-            XmlTable none(XmlVocabulary{});
-            const XmlLoad check = pass(none, true, sawPrefix);
-            return check.status == XmlStatus::kLoaded ? load : check;
-        }
-        return load;
+        const XmlLoad load = pass(table);
+        return load.status == XmlStatus::kRefused && !encoding_.empty() ? pass(table) : load;
     }
 
 private:
-    XmlLoad pass(XmlTable& table, bool withNamespaces, bool& sawPrefix)
+    XmlLoad pass(XmlTable& table)
     {
-        XmlLoad load;
         std::unique_ptr<InputFile> file = open_();
         if (!file) {
-            return load;
+            return {};
         }
         std::uint64_t size = 0;
         bool isBroken = false;
-        file = std::make_unique<CountedFile>(std::move(file), &size);
         const std::string encoding = encoding_;
-        if (!encoding.empty()) {
-            file = openAsUtf8(std::move(file), encoding, &isBroken);
-        }
+        file = decoded(std::make_unique<CountedFile>(std::move(file), &size), &isBroken);
         if (!file) {
             return {XmlStatus::kRefused, 0, 0, "an encoding that is not read: " + encoding};
         }
-        load = parse(table, withNamespaces, *file, sawPrefix);
+        XmlLoad load = parse(table, *file);
         load.size = size;
         if (isBroken && load.status == XmlStatus::kLoaded) {
             load.status = XmlStatus::kRefused;
@@ -300,12 +367,16 @@ private:
         return load;
     }
 
-    XmlLoad parse(XmlTable& table, bool withNamespaces, InputFile& file, bool& sawPrefix)
+    std::unique_ptr<InputFile> decoded(std::unique_ptr<InputFile> file, bool* isBroken) const
     {
-        Pass pass(table, withNamespaces, encoding_.empty() ? nullptr : "UTF-8");
+        return encoding_.empty() ? std::move(file) : openAsUtf8(std::move(file), encoding_, isBroken);
+    }
+
+    XmlLoad parse(XmlTable& table, InputFile& file)
+    {
+        Pass pass(table, encoding_.empty() ? nullptr : "UTF-8");
         pass.run(file);
         pass.raiseIfOutOfMemory();
-        sawPrefix = pass.sawPrefix();
         encoding_ = encoding_.empty() ? pass.unknownEncoding() : encoding_;
         return pass.load();
     }

@@ -11,6 +11,8 @@ namespace platform {
 namespace {
 
 constexpr std::size_t kLargestBlock = std::size_t{4} << 20;
+// A name of this length is not kept for comparing, and counts as so many more attributes as it is longer.
+constexpr std::size_t kLongName = 64;
 
 // Names are two or three characters long, and mostly the same one again: not worth a call.
 bool isSame(const char* a, const char* b)
@@ -94,9 +96,10 @@ int XmlTableBuilder::elementNumber(const char* name)
 void XmlTableBuilder::checkNames(const char* const* attributes)
 {
     for (; *attributes; attributes += 2) {
-        ++attributeCount_;
+        const std::string_view name = *attributes;
+        attributeCount_ += 1 + name.size() / kLongName;
         if (!sawPrefix_) {
-            noteName(*attributes);
+            noteName(name);
         }
     }
 }
@@ -115,8 +118,10 @@ void XmlTableBuilder::keep(int name, const char* const* attributes)
     const auto element = static_cast<std::uint32_t>(table_.elements_.size());
     Order& order = name < 0 ? orders_.back() : orders_[static_cast<std::size_t>(name)];
     table_.elements_.push_back({element, keepAttributes(order, attributes)});
+    keptSize_ += sizeof(XmlTable::Element);
     if (name >= 0) {
         table_.elementsByName_[static_cast<std::size_t>(name)].push_back(element);
+        keptSize_ += sizeof element;
     }
     open_.push_back({element, depth_});
 }
@@ -150,9 +155,11 @@ int XmlTableBuilder::attributeNumber(Order& order, std::size_t place, const char
         return order[place].number;
     }
     noteName(name);
-    const auto found = attributeNumbers_.find(name);
+    const std::size_t length = std::strlen(name);
+    attributeCount_ += length / kLongName;
+    const auto found = attributeNumbers_.find({name, length});
     const int number = found == attributeNumbers_.end() ? -1 : found->second;
-    if (place < 2 * attributeNumbers_.size() && std::strlen(name) < 64) {
+    if (place < 2 * attributeNumbers_.size() && length < kLongName) {
         order.resize(std::max(order.size(), place + 1));
         order[place] = {name, number};
     }

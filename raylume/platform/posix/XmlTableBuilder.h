@@ -23,9 +23,9 @@ public:
 
     /// A name had a prefix, or declared one.
     bool sawPrefix() const { return sawPrefix_; }
-    /// Attributes so far, those that the document's own declarations add included.
+    /// Attributes so far, those that the document's own declarations add included; long names count more.
     std::uint64_t attributeCount() const { return attributeCount_; }
-    /// Bytes of attributes kept so far.
+    /// Bytes kept so far.
     std::uint64_t keptSize() const { return keptSize_; }
     /// The table can hold no more.
     bool isFull() const { return isFull_; }
