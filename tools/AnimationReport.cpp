@@ -51,10 +51,12 @@ private:
     std::vector<std::string> still_;
 };
 
-// The reading of a side file leaves one key of an appearance that has no own one and never changes.
-bool isThinned(const dlAnimTrackSet& tracks)
+// Of an appearance that never has a colour of its own the loading keeps only the keys that change.
+std::size_t thinnedKeys(const std::wstring& name, const dlAnimTrackSet& tracks, const KeysInFile& inFile)
 {
-    return tracks.visualTransforms.size() == 1 && tracks.visualTransforms.begin()->second.nullVizprop;
+    const auto entry = inFile.find(name);
+    const std::size_t kept = tracks.visualTransforms.size();
+    return entry != inFile.end() && entry->second > kept ? entry->second - kept : 0;
 }
 
 template <std::size_t N>
@@ -130,11 +132,12 @@ Json trackJson(const std::map<double, Key>& track)
     return json;
 }
 
-Json componentJson(const std::wstring& name, const dlAnimTrackSet& tracks, const Matching& matching)
+Json componentJson(const std::wstring& name, const dlAnimTrackSet& tracks, const Matching& matching,
+                   std::size_t thinned)
 {
     return {{"name", platform::toUtf8(name)},
             {"isInstance", matching.isInstance(name)},
-            {"appearanceThinned", isThinned(tracks)},
+            {"appearanceKeysThinned", thinned},
             {"appearance", trackJson(tracks.visualTransforms)},
             {"placement", trackJson(tracks.transforms)},
             {"visibility", trackJson(tracks.visualStates)}};
@@ -175,7 +178,7 @@ std::string spanText(const char* what, const std::map<double, Key>& track)
 }
 
 void writeComponent(const std::wstring& name, const dlAnimTrackSet& tracks, const Matching& matching,
-                    std::ostream& out)
+                    std::size_t thinned, std::ostream& out)
 {
     out << oneLine(platform::toUtf8(name)) << (matching.isInstance(name) ? "" : "  (no such instance)")
         << '\n';
@@ -183,7 +186,7 @@ void writeComponent(const std::wstring& name, const dlAnimTrackSet& tracks, cons
                               spanText("visibility", tracks.visualStates) +
                               spanText("appearance", tracks.visualTransforms);
     out << "  " << (spans.empty() ? "  nothing" : spans)
-        << (isThinned(tracks) ? " (constant, thinned)" : "") << '\n';
+        << (thinned > 0 ? " (" + std::to_string(thinned) + " more thinned out)" : "") << '\n';
 }
 
 void writeViews(const dlModel& model, std::ostream& out)
@@ -205,7 +208,7 @@ void writeNames(const char* title, const std::vector<std::string>& names, std::o
 
 }  // namespace
 
-void writeAnimationText(const dlModel& model, std::ostream& out)
+void writeAnimationText(const dlModel& model, const KeysInFile& inFile, std::ostream& out)
 {
     if (model.animationTracks.empty()) {
         out << "no animation\n";
@@ -214,20 +217,20 @@ void writeAnimationText(const dlModel& model, std::ostream& out)
     const Matching matching(model);
     for (const auto& [name, tracks] : model.animationTracks)
         if (!Matching::isFixed(name))
-            writeComponent(name, tracks, matching, out);
+            writeComponent(name, tracks, matching, thinnedKeys(name, tracks, inFile), out);
     writeViews(model, out);
     writeNames("tracks that match no instance", matching.strangers(), out);
     writeNames("instances without a track", matching.still(), out);
 }
 
-void writeAnimationJson(const dlModel& model, std::ostream& out)
+void writeAnimationJson(const dlModel& model, const KeysInFile& inFile, std::ostream& out)
 {
     const Matching matching(model);
     Json json;
     Json& components = json["components"] = Json::array();
     for (const auto& [name, tracks] : model.animationTracks)
         if (!Matching::isFixed(name))
-            components.push_back(componentJson(name, tracks, matching));
+            components.push_back(componentJson(name, tracks, matching, thinnedKeys(name, tracks, inFile)));
     json["camera"] = viewJson(model, kCamera);
     json["viewport"] = viewJson(model, kViewport);
     json["lights"] = lightsJson(model);

@@ -1,5 +1,6 @@
 #include "raylume/animation/AnimationDocument.h"
 
+#include <functional>
 #include <utility>
 
 #include "raylume/animation/SideFileNames.h"
@@ -101,8 +102,8 @@ void readAnimationDocument(const std::wstring& path, AnimationTracks& tracks, Xm
 
 bool readAnimation(const std::wstring& documentPath, AnimationTracks& tracks, XmlService& service)
 {
-    return platform::runCatchingAll(
-        [&] { readAnimationDocument(sideFilePath(documentPath), tracks, service); });
+    const auto read = [&] { readAnimationDocument(sideFilePath(documentPath), tracks, service); };
+    return platform::runCatchingAll(std::ref(read));  // By reference: a copy would be allocated out here.
 }
 
 bool dlModel::readAnimationXML(const std::wstring& path)

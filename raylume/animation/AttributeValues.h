@@ -49,7 +49,7 @@ public:
 private:
     const platform::NumberSeparators& userSeparators();
 
-    const platform::NumberSeparators fixed_;
+    const platform::NumberSeparators fixed_{};
     std::optional<platform::NumberSeparators> user_;  // Asked for once a document.
 };
 

@@ -32,8 +32,8 @@ struct XmlName {
 struct XmlValue {
     enum class Type { kNone, kText, kReal, kFloat, kInteger };
 
-    Type type = Type::kNone;  ///< kNone: there is no such attribute.
-    std::string_view text;    ///< UTF-8.
+    Type type = Type::kNone;     ///< kNone: there is no such attribute.
+    std::string_view text = {};  ///< UTF-8.
     double real = 0;
     float single = 0;
     std::int32_t integer = 0;

@@ -23,8 +23,9 @@ struct FolderEntry {
 PLATFORM_API std::vector<FolderEntry> folderEntries(const std::wstring& folder);
 
 /// The names of what a path means: those in its folder that match its last component, in which "*" and "?"
-/// stand for any characters; "*" finds "." and ".." too. Without either of them the one name at the path,
-/// as the folder has it. Empty when there is nothing, for an empty text and behind a trailing separator.
+/// stand for any characters as in pathMatches() (Paths.h); "*" finds "." and ".." too. Without either of
+/// them the one name at the path, as the folder has it. Empty when there is nothing, for an empty text and
+/// behind a trailing separator.
 PLATFORM_API std::vector<std::wstring> matchingNames(const std::wstring& path);
 
 /// Deletes a file, or a link itself; never a folder. False when that failed.

@@ -39,7 +39,7 @@ bool isOfTheLanguage(const ExportedSymbol& symbol)
 bool isOfTheInterface(const ExportedSymbol& symbol)
 {
     return matches(symbol.name,
-                   "((typeinfo|typeinfo name|vtable) for )?dl[A-Z][A-Za-z]*(::.*)?"
+                   "((typeinfo|typeinfo name|vtable) for )?(dl|RL)[A-Z][A-Za-z]*(::.*)?"
                    "|rlu_[A-Za-z0-9_]+(\\[abi:cxx11\\])?(\\(.*)?"
                    "|findFile\\(.*"
                    "|g_terminateLoad");
@@ -104,7 +104,22 @@ TEST(ExportedSymbols, HaveWhatAHostNeeds)
                              "dlLight::dlLight()",
                              "dlScene::dlScene()",
                              "dlAssemblyNode::~dlAssemblyNode()",
-                             "dlBBox::getRadius()"})
+                             "dlBBox::getRadius()",
+                             "RLData::ReadRaylumeData(char const*)",
+                             "RLData::WriteRaylumeData(char const*, RLData const*)",
+                             "RLData::OVFileExists(char const*)",
+                             "RLData::serialize(RLArchive&)",
+                             "RLData::RLData(RLData const&)",
+                             "RLData::~RLData()",
+                             "RLCameraData::RLCameraData()",
+                             "RLCameraData::getImageFormat[abi:cxx11]() const",
+                             "RLEnvironmentMaterial::RLEnvironmentMaterial()",
+                             "RLSceneData::RLSceneData()",
+                             "RLMaskMaterial::RLMaskMaterial()",
+                             "RLFloatChannel::RLFloatChannel()",
+                             "RLStringTag::RLStringTag()",
+                             "RLTextureInfo::serialize(RLArchive&)",
+                             "typeinfo for RLSerializable"})
         EXPECT_THAT(names, Contains(name));
 }
 
@@ -148,7 +163,9 @@ INSTANTIATE_TEST_SUITE_P(Rows, HiddenName,
                                          "attachPartDecals", "attachInstanceDecals", "translateDecal",
                                          "generateBoxTextureCoords", "boxCoordsForFace", "maskImageCache",
                                          "maskimages", "surfaceFinishBumpFile", "placeImageCentre",
-                                         "searchFolderList", "g_ignoredImages", "platform::"),
+                                         "searchFolderList", "g_ignoredImages", "openAddinSubStorage",
+                                         "openRaylumeStorage", "eraseShaderData", "matrixToAngles",
+                                         "persist::", "platform::"),
                          [](const auto& row) {
                              std::string name = row.param;
                              std::erase(name, ':');

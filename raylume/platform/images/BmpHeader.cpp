@@ -149,16 +149,27 @@ void setChannels(const Fields& fields, BmpLayout& layout)
     }
 }
 
+// An offset that leaves no room for any palette at all was written by a program that forgot it; one that
+// leaves too little cuts the palette.
 bool setPalette(const Fields& fields, std::uint64_t headerOffset, BmpLayout& layout)
 {
     layout.paletteOffset = headerOffset + fields.headerBytes + fields.maskBytesBehind;
-    layout.paletteEntryBytes = fields.headerBytes == kCoreHeaderBytes ? 3 : 4;
+    const std::uint64_t entryBytes = fields.headerBytes == kCoreHeaderBytes ? 3 : 4;
+    layout.paletteEntryBytes = static_cast<int>(entryBytes);
+    std::uint64_t count = 0;
     if (layout.bits <= 8) {
         const std::uint32_t most = 1u << layout.bits;
-        layout.paletteCount =
-            static_cast<int>(fields.coloursUsed == 0 ? most : std::min(fields.coloursUsed, most));
+        count = fields.coloursUsed == 0 ? most : std::min(fields.coloursUsed, most);
     }
-    return layout.paletteOffset <= layout.pixelOffset || layout.pixelOffset == 0;
+    if (layout.pixelOffset == 0 || layout.pixelOffset == layout.paletteOffset) {
+        layout.pixelOffset = layout.paletteOffset + count * entryBytes;
+    }
+    if (layout.pixelOffset < layout.paletteOffset) {
+        return false;
+    }
+    layout.paletteCount =
+        static_cast<int>(std::min(count, (layout.pixelOffset - layout.paletteOffset) / entryBytes));
+    return true;
 }
 
 bool isKnownDepth(std::uint32_t bits)
@@ -227,11 +238,6 @@ std::optional<BmpLayout> readBmpLayout(SourceReader& reader, BmpForm form)
         return std::nullopt;
     }
     setChannels(*fields, layout);
-    if (layout.pixelOffset == 0) {
-        layout.pixelOffset =
-            layout.paletteOffset + static_cast<std::uint64_t>(layout.paletteCount) *
-                                       static_cast<std::uint64_t>(layout.paletteEntryBytes);
-    }
     return layout;
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <vector>
 
 #include "raylume/platform/images/BmpRuns.h"
@@ -56,7 +57,7 @@ private:
     void convertMasked(const unsigned char* packed, unsigned char* pixels) const;
     void copyIndex(unsigned index, unsigned char* pixel) const
     {
-        std::copy(palette_[index].begin(), palette_[index].end(), pixel);
+        std::memcpy(pixel, palette_[index].data(), 4);
     }
     std::uint8_t alphaOf(std::uint32_t pixel) const;
     bool applyMask(int row, unsigned char* pixels);

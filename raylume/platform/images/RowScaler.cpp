@@ -44,6 +44,23 @@ void addWeighedByAlpha(const unsigned char* pixel, std::uint32_t weight, std::ui
     }
 }
 
+template <class Add>
+void filterRow(const SideFilter& filter, const unsigned char* row, std::vector<std::uint32_t>& sums,
+               std::size_t lanesOfPixel, Add add)
+{
+    std::fill(sums.begin(), sums.end(), 0);
+    std::uint32_t* lanes = sums.data();
+    const auto count = static_cast<int>(sums.size() / lanesOfPixel);
+    for (int result = 0; result < count; ++result, lanes += lanesOfPixel) {
+        const unsigned char* pixel = row + 4 * static_cast<std::size_t>(filter.first(result));
+        const std::uint32_t* weight = filter.weights(result);
+        const std::uint32_t* const end = weight + filter.count(result);
+        for (; weight != end; ++weight, pixel += 4) {
+            add(pixel, *weight, lanes);
+        }
+    }
+}
+
 }  // namespace
 
 SideFilter::SideFilter(int from, int to)
@@ -162,27 +179,22 @@ void RowScaler::finishRow(int index)
 
 void RowScaler::filterAcross()
 {
-    std::fill(acrossRow_.begin(), acrossRow_.end(), 0);
-    const int lanesOfPixel = hasAlpha_ ? 8 : 4;
-    std::uint32_t* lanes = acrossRow_.data();
-    for (int result = 0; result < result_.size.width; ++result, lanes += lanesOfPixel) {
-        const unsigned char* pixel =
-            sourceRow_.data() + 4 * static_cast<std::size_t>(across_.first(result));
-        const std::uint32_t* const weights = across_.weights(result);
-        for (int tap = 0; tap < across_.count(result); ++tap, pixel += 4) {
-            if (hasAlpha_) {
-                addWeighedByAlpha(pixel, weights[tap], lanes);
-            } else {
-                addPlain(pixel, weights[tap], lanes);
-            }
-        }
+    const auto plain = [](auto... arguments) { addPlain(arguments...); };
+    const auto weighed = [](auto... arguments) { addWeighedByAlpha(arguments...); };
+    if (hasAlpha_) {
+        filterRow(across_, sourceRow_.data(), acrossRow_, 8, weighed);
+    } else {
+        filterRow(across_, sourceRow_.data(), acrossRow_, 4, plain);
     }
 }
 
 void RowScaler::addTo(Sums& sums, std::uint32_t weight) const
 {
-    for (std::size_t lane = 0; lane < sums.size(); ++lane) {
-        sums[lane] += std::uint64_t{weight} * acrossRow_[lane];
+    const std::uint32_t* const lanes = acrossRow_.data();
+    std::uint64_t* const to = sums.data();
+    const std::size_t count = sums.size();
+    for (std::size_t lane = 0; lane < count; ++lane) {
+        to[lane] += std::uint64_t{weight} * lanes[lane];
     }
 }
 
@@ -194,7 +206,9 @@ void RowScaler::store(int index, Sums& sums) const
         if (hasAlpha_) {
             storeWithAlpha(&sums[lane], pixel);
         } else {
-            std::transform(&sums[lane], &sums[lane] + 4, pixel, rounded);
+            for (std::size_t channel = 0; channel < 4; ++channel) {
+                pixel[channel] = rounded(sums[lane + channel]);
+            }
         }
     }
     std::fill(sums.begin(), sums.end(), 0);

@@ -37,20 +37,31 @@ bool decodesTo(UConverter* converter, std::string_view bytes, std::u16string_vie
            std::u16string_view(units.data(), static_cast<std::size_t>(length)) == expected;
 }
 
-// All that markup is made of. Encodings that switch tables by a sequence of ASCII are out too, since
-// that would hide markup.
+// Where bytes of ASCII mean something else behind certain others: what looks like markup there may be none.
+bool switchesTables(UConverterType type)
+{
+    switch (type) {
+    case UCNV_UTF7:
+    case UCNV_IMAP_MAILBOX:
+    case UCNV_ISO_2022:
+    case UCNV_HZ:
+    case UCNV_SCSU:
+    case UCNV_BOCU1:
+    case UCNV_COMPOUND_TEXT:
+        return true;
+    default:
+        return type >= UCNV_LMBCS_1 && type <= UCNV_LMBCS_LAST;
+    }
+}
+
+// All that markup is made of.
 bool keepsAscii(UConverter* converter)
 {
     std::string bytes = "\t\r\n";
     for (char character = ' '; character < 0x7F; ++character) {
         bytes.push_back(character);
     }
-    for (const char character : {'+', '&', '~'}) {
-        bytes += {character, '-', 'A', '-', character, '{', character, '}'};
-    }
-    const UConverterType type = ucnv_getType(converter);
-    return type != UCNV_UTF7 && type != UCNV_ISO_2022 && type != UCNV_HZ && type != UCNV_IMAP_MAILBOX &&
-           ucnv_getMinCharSize(converter) == 1 &&
+    return !switchesTables(ucnv_getType(converter)) && ucnv_getMinCharSize(converter) == 1 &&
            decodesTo(converter, bytes, std::u16string(bytes.begin(), bytes.end()));
 }
 

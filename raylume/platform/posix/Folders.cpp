@@ -11,6 +11,7 @@
 
 #include "raylume/platform/Paths.h"
 #include "raylume/platform/Text.h"
+#include "raylume/platform/posix/NamePattern.h"
 
 namespace platform {
 
@@ -36,35 +37,6 @@ std::vector<std::string> sortedNames(DIR* listing)
 
 constexpr std::wstring_view kSeparators = L"\\/";
 
-// "*" for any characters, "?" for one.
-bool matches(std::wstring_view name, std::wstring_view pattern)
-{
-    std::size_t at = 0;
-    std::size_t star = std::wstring_view::npos;
-    std::size_t begin = 0;  // of what the last star stands for, and where it ends
-    for (std::size_t from = 0; from < name.size();) {
-        if (at < pattern.size() && pattern[at] == L'*') {
-            star = at++;
-            begin = from;
-        } else if (at < pattern.size() && (pattern[at] == L'?' || pattern[at] == name[from])) {
-            ++at;
-            ++from;
-        } else if (star != std::wstring_view::npos) {
-            at = star + 1;
-            from = ++begin;
-        } else {
-            return false;
-        }
-    }
-    return pattern.find_first_not_of(L'*', at) == std::wstring_view::npos;
-}
-
-// The system that the texts come from gives "*.*" the sense of "*".
-std::wstring tidyPattern(std::wstring_view pattern)
-{
-    return pattern == L"*.*" ? L"*" : toLower(pattern);
-}
-
 std::string nativeLastName(const std::string& native)
 {
     return native.substr(native.rfind('/') + 1);
@@ -80,13 +52,13 @@ std::vector<std::wstring> nameAt(const std::wstring& path)
     return {fromUtf8(nativeLastName(native))};
 }
 
-std::vector<std::wstring> namesInFolder(const std::wstring& folder, const std::wstring& pattern)
+std::vector<std::wstring> namesInFolder(const std::wstring& folder, const NamePattern& pattern)
 {
     std::vector<std::wstring> names;
     const Listing listing(opendir(folder.empty() ? "." : nativePath(folder).c_str()));
     while (const dirent* const entry = listing ? readdir(listing.get()) : nullptr) {
         std::wstring name = fromUtf8(entry->d_name);
-        if (matches(toLower(name), pattern)) {
+        if (pattern.matches(name)) {
             names.push_back(std::move(name));
         }
     }
@@ -105,7 +77,7 @@ std::vector<std::wstring> matchingNames(const std::wstring& path)
     if (last.find_first_of(L"*?") == std::wstring_view::npos) {
         return nameAt(path);
     }
-    return namesInFolder(path.substr(0, name), tidyPattern(last));
+    return namesInFolder(path.substr(0, name), NamePattern(last));
 }
 
 std::vector<FolderEntry> folderEntries(const std::wstring& folder)

@@ -1,4 +1,5 @@
 #include <unicode/unum.h>
+#include <unicode/ures.h>
 
 #include <memory>
 #include <mutex>
@@ -16,6 +17,19 @@ namespace {
 struct CloseFormat {
     void operator()(void* format) const { unum_close(static_cast<UNumberFormat*>(format)); }
 };
+
+struct CloseBundle {
+    void operator()(void* bundle) const { ures_close(static_cast<UResourceBundle*>(bundle)); }
+};
+
+// For a locale that it does not know the library takes the default of the process, which is nobody's
+// choice here.
+bool isKnown(const std::string& name)
+{
+    UErrorCode error = U_ZERO_ERROR;
+    const std::unique_ptr<void, CloseBundle> bundle(ures_open(nullptr, name.c_str(), &error));
+    return U_SUCCESS(error) && error != U_USING_DEFAULT_WARNING;
+}
 
 std::wstring localeVariable()
 {
@@ -41,7 +55,7 @@ NumberSeparators separatorsOf(const std::wstring& variable)
 {
     NumberSeparators separators;
     const std::string name = toUtf8(variable.substr(0, variable.find_first_of(L".@")));
-    if (name.empty() || name == "C" || name == "POSIX") {
+    if (name.empty() || name == "C" || name == "POSIX" || !isKnown(name)) {
         return separators;
     }
     UErrorCode error = U_ZERO_ERROR;

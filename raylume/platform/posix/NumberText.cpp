@@ -72,7 +72,8 @@ struct Decimal {
 };
 
 // Exponents are cut off here: beyond it no text that fits a machine changes the answer.
-constexpr std::int64_t kExponentLimit = std::int64_t{1} << 60;
+// Ten times as much still fits.
+constexpr std::int64_t kExponentLimit = std::int64_t{1} << 58;
 
 /// Reads a Decimal from a text, piece by piece.
 class DecimalScan {

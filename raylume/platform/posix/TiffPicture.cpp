@@ -16,6 +16,7 @@ constexpr tmsize_t kMostSingleBytes = tmsize_t{1} << 30;
 struct Cursor {
     std::shared_ptr<ImageSource> bytes;
     std::uint64_t position = 0;
+    std::vector<unsigned char> copy{};  ///< Of the whole file, for openTiff(); empty otherwise.
 };
 
 extern "C" {
@@ -51,6 +52,18 @@ static int leaveTiffOpen(thandle_t)
     return 0;
 }
 
+static int mapTiffCopy(thandle_t handle, void** base, toff_t* size)
+{
+    auto& cursor = *static_cast<Cursor*>(handle);
+    *base = cursor.copy.data();
+    *size = cursor.copy.size();
+    return cursor.copy.empty() ? 0 : 1;
+}
+
+static void unmapNothing(thandle_t, void*, toff_t)
+{
+}
+
 static int ignoreTiffMessage(TIFF*, void*, const char*, const char*, va_list)
 {
     return 1;  // and keep the handler of the process out of it
@@ -64,6 +77,7 @@ using TiffHandle = std::unique_ptr<TIFF, CloseTiff>;
 
 TiffHandle openTiff(Cursor& cursor)
 {
+    cursor.position = 0;
     TIFFOpenOptions* const options = TIFFOpenOptionsAlloc();
     if (!options) {
         return nullptr;
@@ -71,10 +85,32 @@ TiffHandle openTiff(Cursor& cursor)
     TIFFOpenOptionsSetMaxSingleMemAlloc(options, kMostSingleBytes);
     TIFFOpenOptionsSetErrorHandlerExtR(options, ignoreTiffMessage, nullptr);
     TIFFOpenOptionsSetWarningHandlerExtR(options, ignoreTiffMessage, nullptr);
-    TiffHandle tiff(TIFFClientOpenExt("", "rm", &cursor, readTiffBytes, writeNoTiffBytes, seekTiff,
-                                      leaveTiffOpen, sizeOfTiff, nullptr, nullptr, options));
+    TiffHandle tiff(TIFFClientOpenExt("", cursor.copy.empty() ? "rm" : "r", &cursor, readTiffBytes,
+                                      writeNoTiffBytes, seekTiff, leaveTiffOpen, sizeOfTiff, mapTiffCopy,
+                                      unmapNothing, options));
     TIFFOpenOptionsFree(options);
     return tiff;
+}
+
+// Some releases of the library refuse plain tiles that are no multiple of this, unless the file is mapped.
+bool needsCopy(TIFF* tiff)
+{
+    constexpr tmsize_t kUnit = 1024;
+    std::uint16_t compression = COMPRESSION_NONE;
+    TIFFGetFieldDefaulted(tiff, TIFFTAG_COMPRESSION, &compression);
+    return TIFFIsTiled(tiff) && compression == COMPRESSION_NONE && TIFFTileSize(tiff) % kUnit != 0;
+}
+
+// A copy and no mapping: the file may be cut short while it is read. Files beyond the limit stay as they
+// are.
+void copyWhole(Cursor& cursor)
+{
+    constexpr std::uint64_t kMostBytes = std::uint64_t{1} << 28;
+    if (cursor.bytes->size() > kMostBytes) {
+        return;
+    }
+    cursor.copy.resize(static_cast<std::size_t>(cursor.bytes->size()));
+    cursor.copy.resize(cursor.bytes->readAt(0, cursor.copy.data(), cursor.copy.size()));
 }
 
 enum class Alpha { kNone, kStraight, kPremultiplied };
@@ -175,6 +211,13 @@ bool TiffPicture::readHeader()
 // whatever the file says of its orientation.
 bool TiffPicture::begin()
 {
+    if (needsCopy(tiff_.get())) {
+        copyWhole(cursor_);
+        tiff_ = openTiff(cursor_);
+        if (!tiff_) {
+            return false;
+        }
+    }
     char reason[1024];
     const std::uint16_t associated = EXTRASAMPLE_ASSOCALPHA;
     if (alpha_ == Alpha::kStraight) {
