@@ -1,14 +1,15 @@
 // Masks and decals beside what they cannot do without.
 //
-//   cutOut/<colours>/<noise>  2048 x 2048 pixels, each compared with that many colours: all pixels
-//   different
-//                             (noise 1) or in areas of one colour, as images are (noise 0)
-//   maskImage/<side>          2048 x 2048 pixels take their alpha from a mask of that side
-//                             "ratio" is the time over memcpy's for the pixels, in the same run
-//   records/<faces>           10,000 records of one decal on a part of that many faces: "walk" is the time
-//   over
-//                             finding the faces alone by walking the part for each record
-// Times are those of the processor; ratios are of medians.
+//   cutOut/<colours>/<noise>
+//     2048 x 2048 pixels, each compared with that many colours: all pixels different (noise 1), or in
+//     areas of one colour, as images are (noise 0)
+//   maskImage/<side>
+//     2048 x 2048 pixels take their alpha from a mask of that side
+//   records/<faces>
+//     10,000 records of one decal on a part of that many faces
+//
+// "ratio" is the time over memcpy's for the pixels, "walk" that over finding the faces alone by walking the
+// part for each record; both in the same run. Times are those of the processor; ratios are of medians.
 
 #include <benchmark/benchmark.h>
 

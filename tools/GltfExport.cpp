@@ -7,11 +7,15 @@
 #include <optional>
 #include <utility>
 
+#include "raylume/platform/Text.h"
+#include "raylume/scene/dlDecal.h"
 #include "tools/ComponentOrder.h"
+#include "tools/DecalGeometry.h"
 #include "tools/FaceGeometry.h"
 #include "tools/GltfAnimation.h"
 #include "tools/GltfLights.h"
 #include "tools/GltfMaterial.h"
+#include "tools/GltfTextures.h"
 #include "tools/Placement.h"
 #include "tools/Values.h"
 
@@ -30,6 +34,7 @@ struct Primitive {
 
 struct PartMesh {
     std::vector<Primitive> primitives;
+    std::vector<Json> decals;  ///< Primitives over those, by the decals of the faces.
 };
 
 const dlMaterial* materialOf(const dlPart& part, const dlBody& body, const dlFace& face)
@@ -78,10 +83,44 @@ Json matrixOf(const dlXform& placement)
     return matrix;
 }
 
+// What two appearances must share to look the same, images included.
+std::string lookOf(const dlMaterial& material)
+{
+    const dlTexture& texture = material.texture;
+    const Json image{platform::toUtf8(texture.filename), texture.mappingType,
+                     floatValues(texture.uDirection, 3), floatValues(texture.vDirection, 3),
+                     floatValues(texture.origin, 3),     floatValue(texture.angle),
+                     floatValue(texture.scaleU),         floatValue(texture.scaleV),
+                     floatValue(texture.transU),         floatValue(texture.transV)};
+    return gltfMaterial(material).dump() + image.dump();
+}
+
+// What two instances of one part must share to have the same mesh.
+std::string overlayOf(const dlInstance& instance)
+{
+    std::string text = instance.material ? lookOf(*instance.material) : std::string();
+    for (const dlDecal* decal : instance.decals)
+        text += "|" + std::to_string(decal->faceId) + lookOf(*decal);
+    return text;
+}
+
+const dlFace* faceOf(const dlPart& part, std::int32_t faceId)
+{
+    for (std::int32_t b = 0; part.bodies && b < part.bodyCount; ++b)
+        for (std::int32_t f = 0; part.bodies[b].faces && f < part.bodies[b].faceCount; ++f)
+            if (part.bodies[b].faces[f].faceId == faceId)
+                return &part.bodies[b].faces[f];
+    return nullptr;
+}
+
 class Exporter {
 public:
-    Exporter(const dlModel& model, const std::function<bool()>& cancelled)
-        : model_(model), cancelled_(cancelled), order_(model), animation_(model, file_)
+    Exporter(const dlModel& model, ImageSearch& images, const std::function<bool()>& cancelled)
+        : model_(model),
+          cancelled_(cancelled),
+          order_(model),
+          animation_(model, file_),
+          textures_(file_, images)
     {
     }
 
@@ -222,21 +261,23 @@ private:
     {
         if (!instance.part)
             return std::nullopt;
-        const int override = instance.material ? materialIndex(*instance.material) : -1;
-        const auto [place, isNew] = meshes_.try_emplace({instance.part, override});
+        const auto [place, isNew] = meshes_.try_emplace({instance.part, overlayOf(instance)});
         if (isNew)
-            place->second = addMesh(*instance.part, override, instance);
+            place->second = addMesh(*instance.part, instance);
         return place->second;
     }
 
-    int addMesh(const dlPart& part, int override, const dlInstance& instance)
+    int addMesh(const dlPart& part, const dlInstance& instance)
     {
         const PartMesh& geometry = geometryOf(part);
         Json mesh;
         addName(part.shortName.empty() ? instanceName(instance) : part.shortName, mesh);
         Json& primitives = mesh["primitives"] = Json::array();
         for (const Primitive& primitive : geometry.primitives)
-            primitives.push_back(primitiveJson(primitive, override));
+            primitives.push_back(primitiveJson(primitive, instance.material));
+        for (const Json& decal : geometry.decals)
+            primitives.push_back(decal);
+        addInstanceDecals(part, instance, primitives);
         if (primitives.empty())
             primitives.push_back(nothingToSee());
         return file_.meshes.add(mesh);
@@ -254,14 +295,52 @@ private:
         return {{"attributes", {{"POSITION", *lineWithoutLength_}}}, {"mode", kLines}};
     }
 
-    Json primitiveJson(const Primitive& primitive, int override)
+    Json primitiveJson(const Primitive& primitive, const dlMaterial* override)
     {
         Json json{{"attributes", primitive.attributes}, {"indices", primitive.indices}};
-        if (override >= 0)
-            json["material"] = override;
-        else if (primitive.material)
-            json["material"] = materialIndex(*primitive.material);
+        const dlMaterial* material = override ? override : primitive.material;
+        if (material)
+            json["material"] = materialIndex(*material, primitive.attributes.contains("TEXCOORD_0"));
         return json;
+    }
+
+    // Those of the faces lie below.
+    void addInstanceDecals(const dlPart& part, const dlInstance& instance, Json& primitives)
+    {
+        std::map<const dlFace*, int> layers;
+        for (const dlDecal* decal : instance.decals) {
+            const dlFace* face = faceOf(part, decal->faceId);
+            if (!face)
+                continue;
+            const int above =
+                layers.try_emplace(face, static_cast<int>(face->decals.size())).first->second++;
+            if (auto json = decalJson(*decal, triangulate(*face), above))
+                primitives.push_back(*json);
+        }
+    }
+
+    std::optional<Json> decalJson(const dlDecal& decal, const FaceGeometry& face, int layer)
+    {
+        if (cancelled_())
+            throw ExportCancelled();
+        const auto projection = DecalProjection::of(decal.texture, face);
+        if (!projection) {
+            ++file_.notes.decalsWithoutPlace;
+            return std::nullopt;
+        }
+        const FaceGeometry covered = decalGeometry(face, *projection, decalLift(face, layer));
+        if (covered.indices.empty()) {
+            ++file_.notes.decalsBesideFaces;
+            return std::nullopt;
+        }
+        const Json texture = textures_.ofDecal(decal);
+        if (texture.is_null())
+            return std::nullopt;
+        Json material = gltfDecalMaterial(decal);
+        material["pbrMetallicRoughness"]["baseColorTexture"] = texture;
+        return Json{{"attributes", attributesOf(covered)},
+                    {"indices", file_.addIndices(covered.indices)},
+                    {"material", addMaterial(material)}};
     }
 
     const PartMesh& geometryOf(const dlPart& part)
@@ -290,13 +369,24 @@ private:
         if (geometry.indices.empty())
             return;
         Primitive primitive;
-        primitive.attributes["POSITION"] = addPositions(geometry);
-        primitive.attributes["NORMAL"] = file_.addFloats(GltfFile::kNormals, "VEC3", geometry.normals);
-        if (!geometry.uvs.empty())
-            primitive.attributes["TEXCOORD_0"] = file_.addFloats(GltfFile::kUvs, "VEC2", geometry.uvs);
+        primitive.attributes = attributesOf(geometry);
         primitive.indices = file_.addIndices(geometry.indices);
         primitive.material = materialOf(part, body, face);
         mesh.primitives.push_back(std::move(primitive));
+        int layer = 0;
+        for (const dlDecal* decal : face.decals)
+            if (auto json = decalJson(*decal, geometry, layer++))
+                mesh.decals.push_back(*json);
+    }
+
+    Json attributesOf(const FaceGeometry& geometry)
+    {
+        Json attributes;
+        attributes["POSITION"] = addPositions(geometry);
+        attributes["NORMAL"] = file_.addFloats(GltfFile::kNormals, "VEC3", geometry.normals);
+        if (!geometry.uvs.empty())
+            attributes["TEXCOORD_0"] = file_.addFloats(GltfFile::kUvs, "VEC2", geometry.uvs);
+        return attributes;
     }
 
     int addPositions(const FaceGeometry& geometry)
@@ -317,9 +407,20 @@ private:
         return file_.addFloats(GltfFile::kPositions, "VEC3", geometry.positions, bounds);
     }
 
-    int materialIndex(const dlMaterial& material)
+    int materialIndex(const dlMaterial& material, bool hasTextureCoordinates)
     {
-        const Json json = gltfMaterial(material);
+        Json json = gltfMaterial(material);
+        if (GltfTextures::isTextured(material.texture)) {
+            const Json texture = hasTextureCoordinates ? textures_.ofAppearance(material.texture) : Json();
+            if (!texture.is_null())
+                json["pbrMetallicRoughness"]["baseColorTexture"] = texture;
+            file_.notes.texturesWithoutPlace += hasTextureCoordinates ? 0 : 1;
+        }
+        return addMaterial(json);
+    }
+
+    int addMaterial(const Json& json)
+    {
         const auto [place, isNew] = materials_.try_emplace(json.dump(), file_.materials.count());
         if (isNew)
             file_.materials.add(json);
@@ -341,17 +442,24 @@ private:
     GltfFile file_;
     std::vector<int> sceneNodes_;
     PlacementAnimation animation_;
+    GltfTextures textures_;
     std::optional<int> lineWithoutLength_;
     std::map<const dlPart*, PartMesh> parts_;
-    std::map<std::pair<const dlPart*, int>, int> meshes_;  // by part and override
-    std::map<std::string, int> materials_;                 // by their text
+    std::map<std::pair<const dlPart*, std::string>, int> meshes_;  // by part and what lies over it
+    std::map<std::string, int> materials_;                         // by their text
 };
 
 }  // namespace
 
+GltfDocument exportModel(const dlModel& model, ImageSearch& images, const std::function<bool()>& cancelled)
+{
+    return Exporter(model, images, cancelled).run();
+}
+
 GltfDocument exportModel(const dlModel& model, const std::function<bool()>& cancelled)
 {
-    return Exporter(model, cancelled).run();
+    ImageSearch images;
+    return exportModel(model, images, cancelled);
 }
 
 }  // namespace tool

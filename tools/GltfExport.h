@@ -6,6 +6,7 @@
 
 #include "raylume/scene/dlModel.h"
 #include "tools/GltfFile.h"
+#include "tools/ImageSearch.h"
 
 namespace tool {
 
@@ -18,9 +19,13 @@ struct ExportCancelled : std::runtime_error {
 /// translation, rotation and scale cannot make it. A part becomes one mesh with one primitive a
 /// face (a part without a triangle as a line without length), and one more mesh over the same geometry
 /// for each appearance that an instance lays over the whole part. Lights become nodes behind the tree, and
-/// placement tracks an animation of the instances' nodes. Cameras and images are not written.
+/// placement tracks an animation of the instances' nodes. Base colour images and decals are written as far
+/// as `images` finds them, a decal as one more primitive of what it covers of its face. Cameras, scenes and
+/// bump images are not written.
 ///
-/// Raises ExportCancelled when `cancelled` says so, which is asked before each part.
+/// Raises ExportCancelled when `cancelled` says so, which is asked before each part and each decal.
+GltfDocument exportModel(const dlModel& model, ImageSearch& images, const std::function<bool()>& cancelled);
+/// The same with images searched as for a document without a folder.
 GltfDocument exportModel(const dlModel& model, const std::function<bool()>& cancelled);
 
 }  // namespace tool

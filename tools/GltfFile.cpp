@@ -48,8 +48,11 @@ void addList(const char* name, const JsonList& list, std::string& text)
 
 std::uint64_t binarySize(const GltfDocument& document)
 {
-    return 4 * (std::uint64_t(document.positions.size()) + document.normals.size() + document.uvs.size() +
-                document.samples.size() + document.indices.size());
+    std::uint64_t size = 4 * (std::uint64_t(document.positions.size()) + document.normals.size() +
+                              document.uvs.size() + document.samples.size() + document.indices.size());
+    for (const auto& image : document.images)
+        size += image.size();
+    return size;
 }
 
 std::uint64_t paddedTo4(std::uint64_t size)
@@ -94,6 +97,14 @@ int GltfFile::addIndices(const std::vector<std::uint32_t>& values)
     const std::uint64_t offset = document_.indices.size() * sizeof(std::uint32_t);
     document_.indices.insert(document_.indices.end(), values.begin(), values.end());
     return addAccessor(kIndices, "SCALAR", kUnsignedInt, values.size(), offset, Json::object());
+}
+
+int GltfFile::addImage(std::vector<unsigned char> bytes, const char* mediaType)
+{
+    images_.push_back({bytes.size(), mediaType});
+    bytes.resize(paddedTo4(bytes.size()));
+    document_.images.push_back(std::move(bytes));
+    return static_cast<int>(images_.size()) - 1;
 }
 
 std::vector<float>& GltfFile::floatsOf(View view)
@@ -155,6 +166,19 @@ std::string GltfFile::viewsText() const
         addUse(view, json);
         list.add(json);
     }
+    std::uint64_t offset = byteOffset(kIndices) + byteCount(kIndices);
+    for (std::size_t i = 0; i < images_.size(); ++i) {
+        list.add({{"buffer", 0}, {"byteOffset", offset}, {"byteLength", images_[i].length}});
+        offset += document_.images[i].size();
+    }
+    return list.text();
+}
+
+std::string GltfFile::imagesText() const
+{
+    JsonList list;
+    for (std::size_t i = 0; i < images_.size(); ++i)
+        list.add({{"mimeType", images_[i].mediaType}, {"bufferView", views_.size() + i}});
     return list.text();
 }
 
@@ -174,9 +198,13 @@ std::string GltfFile::wholeJson(const Json& scene) const
     addList("nodes", nodes, text);
     addList("meshes", meshes, text);
     addList("materials", materials, text);
+    addList("samplers", samplers, text);
+    addList("textures", textures, text);
+    if (!images_.empty())
+        text += ",\"images\":" + imagesText();
     addList("animations", animations, text);
     addList("accessors", accessors_, text);
-    if (!views_.empty()) {
+    if (!views_.empty() || !images_.empty()) {
         text += R"(,"bufferViews":)" + viewsText();
         text += R"(,"buffers":[{"byteLength":)" + std::to_string(binarySize(document_)) + "}]";
     }
@@ -213,6 +241,9 @@ void writeGlb(const GltfDocument& document, std::ostream& out)
         writeNumbers(document.uvs, out);
         writeNumbers(document.samples, out);
         writeNumbers(document.indices, out);
+        for (const auto& image : document.images)
+            out.write(reinterpret_cast<const char*>(image.data()),
+                      static_cast<std::streamsize>(image.size()));
     }
 }
 

@@ -22,6 +22,12 @@ struct ExportNotes {
     /// Keys whose placement is sheared, whose numbers are not finite, or whose time is that of the key
     /// before; all keys of an instance that is itself sheared or without a place.
     long long placementKeysLeftOut = 0;
+    long long imagesMissing = 0;         ///< Left out: they are nowhere where the search looks.
+    long long imagesUnreadable = 0;      ///< Left out: there is a file, but no image that can be read.
+    long long imagesEmbedded = 0;        ///< Left out: they lie in the document, out of the search's reach.
+    long long texturesWithoutPlace = 0;  ///< Left out: their surfaces have no texture coordinates.
+    long long decalsWithoutPlace = 0;    ///< Left out: no mapping, or one without finite numbers.
+    long long decalsBesideFaces = 0;     ///< Left out: the image lies beside its face.
 };
 
 /// A model in the form of a glTF file. Holds a copy of all geometry.
@@ -34,6 +40,7 @@ struct GltfDocument {
     std::vector<float> uvs;
     std::vector<float> samples;  ///< Of animations: times and values.
     std::vector<std::uint32_t> indices;
+    std::vector<std::vector<unsigned char>> images;  ///< Whole files, each of a length that 4 divides.
     ExportNotes notes;
 };
 
@@ -63,6 +70,9 @@ public:
                   const Json& bounds = Json::object());
     int addIndices(const std::vector<std::uint32_t>& values);
 
+    /// `bytes` is a whole file of that media type. Gives the image's index.
+    int addImage(std::vector<unsigned char> bytes, const char* mediaType);
+
     void useExtension(const char* name) { extensions_.insert(name); }
 
     /// The whole file, its one scene with these root nodes. Nothing can be added afterwards.
@@ -71,6 +81,8 @@ public:
     JsonList nodes;
     JsonList meshes;
     JsonList materials;
+    JsonList samplers;
+    JsonList textures;
     JsonList lights;
     JsonList animations;
     ExportNotes notes;
@@ -83,12 +95,19 @@ private:
     std::uint64_t byteCount(View view) const;
     std::uint64_t byteOffset(View view) const;
     std::string viewsText() const;
+    std::string imagesText() const;
     void addExtensions(std::string& text) const;
     std::string wholeJson(const Json& scene) const;
 
     GltfDocument document_;
+    struct Image {
+        std::size_t length;
+        const char* mediaType;
+    };
+
     JsonList accessors_;
-    std::vector<View> views_;  // as they were first used
+    std::vector<View> views_;    // as they were first used; images have theirs behind these
+    std::vector<Image> images_;  // beside their bytes in the document
     std::set<std::string> extensions_;
 };
 

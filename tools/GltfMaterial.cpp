@@ -97,6 +97,17 @@ nlohmann::ordered_json gltfMaterial(const dlMaterial& material)
     return result;
 }
 
+nlohmann::ordered_json gltfDecalMaterial(const dlMaterial& decal)
+{
+    dlMaterial white = decal;
+    // The copy shares the pointers, which one owner alone may free.
+    white.decals.clear();
+    std::fill_n(white.color, 3, 1.0f);
+    nlohmann::ordered_json result = gltfMaterial(white);
+    result["alphaMode"] = "BLEND";
+    return result;
+}
+
 bool isUnset(const dlMaterial& material)
 {
     const dlMaterial unset;

@@ -9,7 +9,6 @@
 #include "reader/HostHandlers.h"
 #include "tools/Interruption.h"
 #include "tools/ProgressBar.h"
-#include "tools/TemporaryFolder.h"
 #include "tools/Values.h"
 
 namespace tool {
@@ -49,14 +48,16 @@ private:
 
 void readModel(const LoadRequest& request, LoadedDocument& loaded)
 {
-    std::optional<ConfigurationRequest> configuration;
     if (!request.configuration.empty())
-        configuration.emplace(request.configuration);
+        loaded.configuration =
+            std::make_unique<ConfigurationRequest>(request.configuration, request.keepBitmaps);
     const std::string path = platform::narrow(platform::fromUtf8(request.document));
     const Handlers handlers(request.progressTo);
+    SearchJournal journal;
     const auto start = std::chrono::steady_clock::now();
     loaded.model.reset(dlModel::ReadModel(path.c_str()));
     loaded.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    loaded.searches = journal.take();
     loaded.reason = oneLine(ovdl::lastReason());
 }
 

@@ -3,16 +3,18 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <filesystem>
 #include <map>
+#include <optional>
 #include <set>
+#include <stdexcept>
 #include <string>
-#include <system_error>
 #include <vector>
 
 #include "raylume/platform/Text.h"
 #include "raylume/scene/dlDecal.h"
+#include "raylume/services/Locations.h"
 #include "tools/GltfMaterial.h"
+#include "tools/ImageContent.h"
 #include "tools/Values.h"
 
 namespace tool {
@@ -26,20 +28,28 @@ using LevelCounts = std::array<long long, kLevelCount>;
 
 struct Appearance {
     Json description;
+    std::vector<std::string> imageLines;
     LevelCounts uses{};
 };
 
 struct Texture {
-    std::string file;
-    std::string status;
+    const SearchedImage* image = nullptr;
+    std::optional<ImageSize> size;  ///< None: not found, or nothing that can be read.
     long long uses = 0;
 };
 
 struct Materials {
     std::vector<Appearance> appearances;
     LevelCounts without{};
+    std::vector<std::string> sceneLines;
     std::vector<Texture> textures;
 };
+
+// A native path has whatever bytes its system allows.
+std::string asUtf8(const std::string& nativePath)
+{
+    return platform::toUtf8(platform::fromUtf8(nativePath));
+}
 
 std::string colourText(const float* colour)
 {
@@ -53,28 +63,22 @@ std::string colourText(const float* colour)
     return text;
 }
 
-bool isEmbedded(const std::string& file)
+const char* statusName(ImageStatus status)
 {
-    const std::string mark = "#image";
-    const auto place = file.rfind(mark);
-    if (place == std::string::npos || place + mark.size() == file.size())
-        return false;
-    return std::all_of(file.begin() + static_cast<std::ptrdiff_t>(place + mark.size()), file.end(),
-                       [](char c) { return c >= '0' && c <= '9'; });
-}
-
-bool isFile(std::string path)
-{
-    std::replace(path.begin(), path.end(), '\\', '/');
-    std::error_code failed;
-    return std::filesystem::is_regular_file(path, failed);
-}
-
-std::string statusOf(const std::string& file)
-{
-    if (isFile(file))
+    switch (status) {
+    case ImageStatus::kFound:
         return "found";
-    return isEmbedded(file) ? "embedded" : "missing";
+    case ImageStatus::kEmbedded:
+        return "embedded";
+    default:
+        return "missing";
+    }
+}
+
+const char* kindName(TextureImageType type)
+{
+    static constexpr const char* kNames[] = {"decal", "appearance", "scene"};
+    return kNames[type];
 }
 
 Json placementOf(const dlTexture& texture)
@@ -139,16 +143,39 @@ Json describe(const dlMaterial& material)
     return json;
 }
 
-Json describe(const dlDecal& decal)
+Json storedPaths(const std::vector<const SearchedImage*>& images)
 {
-    Json json = describe(static_cast<const dlMaterial&>(decal));
+    Json paths = Json::array();
+    for (const SearchedImage* image : images)
+        paths.push_back(platform::toUtf8(image->storedPath));
+    return paths;
+}
+
+Json describe(const dlDecal& decal, const DecalImages& images)
+{
+    Json json = describe(decal);
     json["maskFile"] = platform::toUtf8(decal.maskFilename);
     json["maskInvert"] = decal.maskInvert;
+    if (images.isBaked) {
+        json["bakedFrom"] = storedPaths(images.images);
+        json["bakedWith"] = storedPaths(images.masks);
+    }
     return json;
+}
+
+std::string imageLine(const char* title, const SearchedImage& image, const char* remark = "")
+{
+    return std::string(title) + " " + oneLine(platform::toUtf8(image.storedPath)) + " (" +
+           statusName(image.status) + remark + ")";
 }
 
 class Collection {
 public:
+    Collection(ImageSearch& images, const std::function<bool()>& cancelled)
+        : images_(images), cancelled_(cancelled)
+    {
+    }
+
     Materials run(dlModel& model)
     {
         for (std::int32_t i = 0; i < model.instanceCount; ++i)
@@ -160,10 +187,16 @@ public:
                          [](const dlPart* a, const dlPart* b) { return a->name < b->name; });
         for (const dlPart* part : parts)
             addPart(*part);
+        addSceneImage("environment", model.scene.environmentImage);
+        addSceneImage("back plate", model.scene.backPlateImage);
+        for (const SearchedImage* image : images_.others())
+            textureOf(*image);
         return std::move(materials_);
     }
 
 private:
+    using Lines = std::vector<std::string>;
+
     void addInstance(const dlInstance& instance)
     {
         addOptional(instance.material, kInstance);
@@ -198,45 +231,74 @@ private:
             ++materials_.without[level];
             return;
         }
-        addTextures(*material);
-        add(describe(*material), level);
+        Lines lines;
+        addImage("texture", material->texture.filename, lines);
+        addImage("bump", platform::widen(material->bumpFilename), lines);
+        add(describe(*material), std::move(lines), level);
     }
 
     void addDecal(const dlDecal& decal)
     {
-        addTextures(decal);
-        addTexture(platform::toUtf8(decal.maskFilename));
-        add(describe(decal), kDecal);
+        const DecalImages images = images_.ofDecal(decal);
+        Lines lines;
+        addImages(images.images, "texture", images.isBaked ? ", mask baked" : "", lines);
+        addImage("bump", platform::widen(decal.bumpFilename), lines);
+        addImages(images.masks, "mask", "", lines);
+        add(describe(decal, images), std::move(lines), kDecal);
     }
 
-    void add(Json description, AppearanceLevel level)
+    void add(Json description, Lines lines, AppearanceLevel level)
     {
         const auto [place, isNew] = byText_.try_emplace(description.dump(), materials_.appearances.size());
         if (isNew)
-            materials_.appearances.push_back({std::move(description), {}});
+            materials_.appearances.push_back({std::move(description), std::move(lines), {}});
         ++materials_.appearances[place->second].uses[level];
     }
 
-    void addTextures(const dlMaterial& material)
+    void addImage(const char* title, const std::wstring& file, Lines& lines)
     {
-        addTexture(platform::toUtf8(material.texture.filename));
-        addTexture(utf8(material.bumpFilename));
+        if (!file.empty())
+            addImages({&images_.find(file, TextureImageAppearance)}, title, "", lines);
     }
 
-    void addTexture(const std::string& file)
+    // More than one where it cannot be told which one it is.
+    void addImages(const std::vector<const SearchedImage*>& images, const char* title, const char* remark,
+                   Lines& lines)
     {
-        if (file.empty())
+        for (const SearchedImage* image : images) {
+            ++textureOf(*image).uses;
+            const std::string first = image == images.front() ? "" : "or ";
+            lines.push_back(imageLine((first + title).c_str(), *image, remark));
+        }
+    }
+
+    void addSceneImage(const char* title, const std::string& name)
+    {
+        if (name.empty())
             return;
-        const auto [place, isNew] = byFile_.try_emplace(file, materials_.textures.size());
-        if (isNew)
-            materials_.textures.push_back({file, statusOf(file), 0});
-        ++materials_.textures[place->second].uses;
+        const SearchedImage& image = images_.ofScene(name);
+        ++textureOf(image).uses;
+        materials_.sceneLines.push_back(imageLine(title, image));
     }
 
+    Texture& textureOf(const SearchedImage& image)
+    {
+        const auto [place, isNew] = byImage_.try_emplace(&image, materials_.textures.size());
+        if (isNew) {
+            if (cancelled_())
+                throw std::runtime_error("cancelled");
+            const bool isFound = image.status == ImageStatus::kFound;
+            materials_.textures.push_back({&image, isFound ? imageSize(image.path) : std::nullopt, 0});
+        }
+        return materials_.textures[place->second];
+    }
+
+    ImageSearch& images_;
+    const std::function<bool()>& cancelled_;
     Materials materials_;
     std::set<const dlPart*> seen_;
     std::map<std::string, std::size_t> byText_;
-    std::map<std::string, std::size_t> byFile_;
+    std::map<const SearchedImage*, std::size_t> byImage_;
 };
 
 Json countsJson(const LevelCounts& counts)
@@ -277,15 +339,6 @@ void writeUnlessZero(const Json& description, const char* field, std::ostream& o
     out << (value.is_string() ? value.get<std::string>() : floatText(value.get<float>()));
 }
 
-void writeFile(const Json& description, const char* field, const char* title, std::ostream& out)
-{
-    if (!description.contains(field))
-        return;
-    const auto& file = description[field].get_ref<const std::string&>();
-    if (!file.empty())
-        out << "      " << title << ' ' << oneLine(file) << " (" << statusOf(file) << ")\n";
-}
-
 void writeAppearance(std::size_t number, const Appearance& appearance, std::ostream& out)
 {
     const Json& description = appearance.description;
@@ -299,34 +352,131 @@ void writeAppearance(std::size_t number, const Appearance& appearance, std::ostr
     for (const char* field : {"transparency", "emission", "specular", "shininess"})
         writeUnlessZero(description, field, out);
     out << "\n      on " << countsText(appearance.uses) << '\n';
-    writeFile(description, "textureFile", "texture", out);
-    writeFile(description, "bumpFile", "bump", out);
-    writeFile(description, "maskFile", "mask", out);
+    for (const std::string& line : appearance.imageLines)
+        out << "      " << line << '\n';
 }
 
-long long texturesThatAre(const Materials& materials, const char* status)
+long long texturesThatAre(const Materials& materials, ImageStatus status)
 {
     return std::count_if(materials.textures.begin(), materials.textures.end(),
-                         [status](const Texture& texture) { return texture.status == status; });
+                         [status](const Texture& texture) { return texture.image->status == status; });
+}
+
+// Each step once, in the order of the first path.
+std::string stepsTried(const SearchedImage& image)
+{
+    std::string text;
+    std::set<TextureSearchStep> seen;
+    for (const TextureProbe& probe : image.probes)
+        if (seen.insert(probe.step).second)
+            text += (text.empty() ? "" : ", ") + std::string(stepInWords(probe.step));
+    return text;
+}
+
+// " by the stored path", as far as it is known.
+std::string whereFound(const SearchedImage& image)
+{
+    const bool isKnown = !image.probes.empty() && image.probes.back().found;
+    return isKnown ? std::string(", by ") + stepInWords(image.probes.back().step) : "";
+}
+
+std::string sizeText(const Texture& texture)
+{
+    if (!texture.size)
+        return ", but it cannot be read as an image";
+    return ", " + std::to_string(texture.size->width) + " x " + std::to_string(texture.size->height);
+}
+
+std::string outcomeOf(const Texture& texture)
+{
+    const SearchedImage& image = *texture.image;
+    if (image.status != ImageStatus::kFound)
+        return statusName(image.status);
+    const char* standsIn = image.isDefaultDecal ? ", no image by its name: the default decal" : "";
+    return "found" + whereFound(image) + standsIn + sizeText(texture);
+}
+
+void writeTexture(const Texture& texture, std::ostream& out)
+{
+    const SearchedImage& image = *texture.image;
+    out << "  " << oneLine(platform::toUtf8(image.storedPath)) << ": " << outcomeOf(texture) << '\n';
+    if (image.status == ImageStatus::kFound)
+        out << "      at " << oneLine(rlu_nativePath(image.path)) << '\n';
+    if (!image.probes.empty())
+        out << "      tried " << stepsTried(image) << '\n';
+    for (const std::string& bitmap : image.bakedAs)
+        out << "      baked as " << oneLine(bitmap) << '\n';
+}
+
+void writeTextures(const Materials& materials, std::ostream& out)
+{
+    out << "textures: " << texturesThatAre(materials, ImageStatus::kFound) << " found, "
+        << texturesThatAre(materials, ImageStatus::kMissing) << " missing, "
+        << texturesThatAre(materials, ImageStatus::kEmbedded) << " embedded in the document\n";
+    for (const Texture& texture : materials.textures)
+        writeTexture(texture, out);
+}
+
+Json probesJson(const SearchedImage& image)
+{
+    Json probes = Json::array();
+    for (const TextureProbe& probe : image.probes)
+        probes.push_back({{"step", stepName(probe.step)},
+                          {"path", platform::toUtf8(probe.path)},
+                          {"found", probe.found}});
+    return probes;
+}
+
+// What could not be told is null.
+Json textureJson(const Texture& texture)
+{
+    const SearchedImage& image = *texture.image;
+    const bool isFound = image.status == ImageStatus::kFound;
+    Json json{{"file", platform::toUtf8(image.storedPath)},
+              {"searchedAs", kindName(image.type)},
+              {"status", statusName(image.status)},
+              {"uses", texture.uses}};
+    json["path"] = isFound ? Json(asUtf8(rlu_nativePath(image.path))) : Json();
+    json["readable"] = isFound ? Json(texture.size.has_value()) : Json();
+    json["width"] = texture.size ? Json(texture.size->width) : Json();
+    json["height"] = texture.size ? Json(texture.size->height) : Json();
+    json["isDefaultDecal"] = image.isDefaultDecal;
+    json["bakedAs"] = Json::array();
+    for (const std::string& bitmap : image.bakedAs)
+        json["bakedAs"].push_back(asUtf8(bitmap));
+    json["probeCount"] = image.probeCount;
+    json["probes"] = probesJson(image);
+    return json;
+}
+
+Json sceneJson(const dlModel& model, ImageSearch& images)
+{
+    const auto stored = [&images](const std::string& name) {
+        return name.empty() ? Json() : Json(platform::toUtf8(images.ofScene(name).storedPath));
+    };
+    return {{"environmentImage", stored(model.scene.environmentImage)},
+            {"backPlateImage", stored(model.scene.backPlateImage)}};
 }
 
 }  // namespace
 
-void writeMaterialsText(dlModel& model, std::ostream& out)
+void writeMaterialsText(dlModel& model, ImageSearch& images, const std::function<bool()>& cancelled,
+                        std::ostream& out)
 {
-    const Materials materials = Collection().run(model);
+    const Materials materials = Collection(images, cancelled).run(model);
     out << counted(static_cast<long long>(materials.appearances.size()), "appearance") << '\n';
     for (std::size_t i = 0; i < materials.appearances.size(); ++i)
         writeAppearance(i + 1, materials.appearances[i], out);
     out << "without one of their own: " << countsText(materials.without) << '\n';
-    out << "textures: " << texturesThatAre(materials, "found") << " found, "
-        << texturesThatAre(materials, "missing") << " missing, " << texturesThatAre(materials, "embedded")
-        << " embedded in the document\n";
+    for (const std::string& line : materials.sceneLines)
+        out << "scene: " << line << '\n';
+    writeTextures(materials, out);
 }
 
-void writeMaterialsJson(dlModel& model, std::ostream& out)
+void writeMaterialsJson(dlModel& model, ImageSearch& images, const std::function<bool()>& cancelled,
+                        std::ostream& out)
 {
-    const Materials materials = Collection().run(model);
+    const Materials materials = Collection(images, cancelled).run(model);
     Json json{{"materials", Json::array()}};
     for (const Appearance& appearance : materials.appearances) {
         Json entry = appearance.description;
@@ -335,10 +485,10 @@ void writeMaterialsJson(dlModel& model, std::ostream& out)
     }
     json["without"] = countsJson(materials.without);
     json["without"].erase("decal");
+    json["scene"] = sceneJson(model, images);
     json["textures"] = Json::array();
     for (const Texture& texture : materials.textures)
-        json["textures"].push_back(
-            {{"file", texture.file}, {"status", texture.status}, {"uses", texture.uses}});
+        json["textures"].push_back(textureJson(texture));
     out << json.dump(2) << '\n';
 }
 

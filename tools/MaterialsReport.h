@@ -1,8 +1,10 @@
 #pragma once
 
+#include <functional>
 #include <ostream>
 
 #include "raylume/scene/dlModel.h"
+#include "tools/ImageSearch.h"
 
 namespace tool {
 
@@ -10,9 +12,12 @@ namespace tool {
 /// Equal ones are one entry with its uses by level; appearances are equal when every number and
 /// name is (the library's own comparison looks away from textures and has a tolerance). Entries
 /// stand in the order of their first use: instances as in the document, below each its part the
-/// first time it comes, with its bodies and faces. Textures are looked up as plain paths, "\"
-/// taken as "/".
-void writeMaterialsText(dlModel& model, std::ostream& out);
-void writeMaterialsJson(dlModel& model, std::ostream& out);
+/// first time it comes, with its bodies and faces. Images are looked for by the library's own search, and
+/// decoded, which takes its time: `cancelled` is asked before each, and std::runtime_error("cancelled")
+/// raised when it says so.
+void writeMaterialsText(dlModel& model, ImageSearch& images, const std::function<bool()>& cancelled,
+                        std::ostream& out);
+void writeMaterialsJson(dlModel& model, ImageSearch& images, const std::function<bool()>& cancelled,
+                        std::ostream& out);
 
 }  // namespace tool

@@ -8,13 +8,14 @@
 
 #include "raylume/platform/Environment.h"
 #include "raylume/platform/HostSetup.h"
-#include "raylume/platform/Paths.h"
 #include "raylume/platform/Text.h"
+#include "raylume/services/Locations.h"
 
 namespace tool {
 namespace {
 
 constexpr char kVariable[] = "temp";
+constexpr char kRequestFile[] = "LDRConfigName.txt";
 
 std::string systemTemporaryFolder()
 {
@@ -46,7 +47,7 @@ std::filesystem::path makePrivateFolder(const std::filesystem::path& parent)
 
 void writeRequest(const std::filesystem::path& folder, const std::string& name)
 {
-    std::ofstream file(folder / "LDRConfigName.txt", std::ios::binary);
+    std::ofstream file(folder / kRequestFile, std::ios::binary);
     file << "raylume-dl\t" << platform::narrow(platform::fromUtf8(name)) << '\n';
     file.close();
     if (file)
@@ -64,10 +65,11 @@ void provideTemporaryFolder()
         platform::setEnvironmentVariable(kVariable, systemTemporaryFolder());
 }
 
-ConfigurationRequest::ConfigurationRequest(const std::string& name)
+ConfigurationRequest::ConfigurationRequest(const std::string& name, bool keepFolder)
+    : keepFolder_(keepFolder)
 {
     const auto parent = platform::temporaryFolderVariable();
-    folder_ = makePrivateFolder(parent ? platform::nativePath(*parent) : systemTemporaryFolder());
+    folder_ = makePrivateFolder(parent ? rlu_nativePath(*parent) : systemTemporaryFolder());
     writeRequest(folder_, name);
     const char* previous = std::getenv(kVariable);
     hadPreviousValue_ = previous != nullptr;
@@ -82,7 +84,12 @@ ConfigurationRequest::~ConfigurationRequest()
     else
         platform::removeEnvironmentVariable(kVariable);
     std::error_code ignored;
-    std::filesystem::remove_all(folder_, ignored);
+    if (keepFolder_) {
+        std::filesystem::remove(folder_ / kRequestFile, ignored);
+        std::filesystem::remove(folder_, ignored);
+    } else {
+        std::filesystem::remove_all(folder_, ignored);
+    }
 }
 
 }  // namespace tool

@@ -6,17 +6,23 @@
 #include <filesystem>
 #include <new>
 #include <optional>
+#include <sstream>
 #include <string>
 #include <system_error>
+#include <utility>
 
+#include "raylume/platform/Text.h"
+#include "raylume/services/Locations.h"
 #include "tools/AnimationReport.h"
 #include "tools/GltfExport.h"
+#include "tools/ImageSearch.h"
 #include "tools/InfoReport.h"
 #include "tools/Interruption.h"
 #include "tools/Loading.h"
 #include "tools/MaterialsReport.h"
 #include "tools/OutputFile.h"
 #include "tools/SideFile.h"
+#include "tools/TemporaryBitmaps.h"
 #include "tools/TemporaryFolder.h"
 #include "tools/TreeReport.h"
 #include "tools/Values.h"
@@ -31,6 +37,7 @@ struct Options {
     std::string output;
     std::string configuration;
     bool json = false;
+    bool keep = false;
     DepthLimit depth;
 };
 
@@ -61,6 +68,7 @@ public:
         app_.add_option("--configuration", options_.configuration,
                         "Loads that configuration of an assembly, where the document has it.")
             ->type_name("NAME");
+        app_.add_flag("--keep", options_.keep, "Leaves temporary bitmaps where they are.");
         for (CLI::App* command : {info_, tree_, materials_, animation_})
             command->add_flag("--json", options_.json, "Writes JSON.");
         tree_->add_option("--depth", options_.depth, "Shows that many levels below the root.")
@@ -114,6 +122,11 @@ private:
     CLI::App* export_;
 };
 
+std::string nativePath(const std::string& utf8Path)
+{
+    return rlu_nativePath(platform::fromUtf8(utf8Path));
+}
+
 void say(std::ostream& err, const std::string& line)
 {
     err << kProgram << ": " << oneLine(line) << '\n';
@@ -133,15 +146,21 @@ public:
         interruption_.emplace();
         if (line_.isExport())
             refuseBadOutput();
-        LoadedDocument loaded =
-            loadDocument({options_.document, options_.configuration, terminal_ ? &err_ : nullptr});
+        TemporaryBitmaps bitmaps(options_.keep);
+        LoadedDocument loaded = loadDocument(
+            {options_.document, options_.configuration, terminal_ ? &err_ : nullptr, options_.keep});
         if (line_.isExport() && loaded.outcome == Outcome::kModel)
-            return exportTo(*loaded.model);
+            return exportTo(loaded);
+        std::ostringstream report;
+        if (line_.isMaterials() && loaded.outcome == Outcome::kModel)
+            writeMaterials(loaded, report);
+        bitmaps.remove();
+        loaded.configuration.reset();
         // There is nothing left to clean up: from here on an interrupt may end the process at once.
         interruption_.reset();
         if (loaded.outcome != Outcome::kModel)
             return reportFailure(loaded);
-        writeResult(loaded);
+        writeResult(loaded, report.str());
         return finish();
     }
 
@@ -150,12 +169,14 @@ private:
     void refuseBadOutput()
     {
         std::error_code failed;
-        if (std::filesystem::equivalent(options_.document, options_.output, failed))
+        if (std::filesystem::equivalent(nativePath(options_.document), output(), failed))
             throw BadUsage("the file to write is the document itself");
-        const std::string obstacle = whyNotWritable(options_.output);
+        const std::string obstacle = whyNotWritable(output());
         if (!obstacle.empty())
             refuseOutput(obstacle);
     }
+
+    std::string output() const { return nativePath(options_.output); }
 
     [[noreturn]] void refuseOutput(const std::string& why)
     {
@@ -179,7 +200,15 @@ private:
             writeInfoText(options_.document, loaded, out_);
     }
 
-    void writeResult(const LoadedDocument& loaded)
+    // Looking for images and decoding them takes its time, and temporary bitmaps have to stay so long.
+    void writeMaterials(LoadedDocument& loaded, std::ostream& out)
+    {
+        ImageSearch images(options_.document, std::move(loaded.searches));
+        (options_.json ? writeMaterialsJson : writeMaterialsText)(*loaded.model, images,
+                                                                  Interruption::requested, out);
+    }
+
+    void writeResult(const LoadedDocument& loaded, const std::string& materials)
     {
         if (line_.isInfo())
             writeInfo(loaded);
@@ -189,7 +218,7 @@ private:
             (options_.json ? writeAnimationJson : writeAnimationText)(
                 *loaded.model, appearanceKeysInFile(options_.document), out_);
         else
-            (options_.json ? writeMaterialsJson : writeMaterialsText)(*loaded.model, out_);
+            out_ << materials;
     }
 
     int finish()
@@ -201,13 +230,14 @@ private:
         return kNoModel;
     }
 
-    int exportTo(const dlModel& model)
+    int exportTo(LoadedDocument& loaded)
     {
-        const GltfDocument document = exportModel(model, Interruption::requested);
+        ImageSearch images(options_.document, std::move(loaded.searches));
+        const GltfDocument document = exportModel(*loaded.model, images, Interruption::requested);
         if (glbSize(document) > kLargestGlb)
             refuseOutput("a binary glTF file holds 4 GiB, and the model takes more");
         try {
-            writeWhole(options_.output, [&](std::ostream& file) {
+            writeWhole(output(), [&](std::ostream& file) {
                 writeGlb(document, file);
                 if (Interruption::requested())
                     throw ExportCancelled();
@@ -218,7 +248,24 @@ private:
             refuseOutput(error.what());
         }
         sayWhatIsMissing(document.notes);
+        sayWhichImagesAreMissing(document.notes);
         return kModelLoaded;
+    }
+
+    void sayIfAny(long long count, const char* what, const char* why)
+    {
+        if (count > 0)
+            say(err_, counted(count, what) + " left out: " + why);
+    }
+
+    void sayWhichImagesAreMissing(const ExportNotes& notes)
+    {
+        sayIfAny(notes.imagesMissing, "image", "not found; \"materials\" tells where they were looked for");
+        sayIfAny(notes.imagesUnreadable, "image", "files that cannot be read as images");
+        sayIfAny(notes.imagesEmbedded, "image", "inside the document itself, where they cannot be reached");
+        sayIfAny(notes.texturesWithoutPlace, "texture", "surfaces without texture coordinates");
+        sayIfAny(notes.decalsWithoutPlace, "decal", "no placement that could be used");
+        sayIfAny(notes.decalsBesideFaces, "decal", "beside their faces");
     }
 
     void sayWhatIsMissing(const ExportNotes& notes)

@@ -8,6 +8,7 @@
 #include "raylume/platform/HostSetup.h"
 #include "raylume/platform/Text.h"
 #include "raylume/services/AppearanceLists.h"
+#include "raylume/services/IgnoredImages.h"
 #include "raylume/services/SideFile.h"
 #include "raylume/services/TextureSearch.h"
 #include "raylume/services/TextureSearchLog.h"

@@ -3,7 +3,6 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <limits>
 
 #include "raylume/load/ReaderMaths.h"
 #include "raylume/scene/dlInstance.h"
@@ -60,13 +59,14 @@ Transforms intoSides(const float (&origin)[3])
     return transforms;
 }
 
-// On a tie the earlier side; without a usable normal the first. NaN is never the largest.
+// On a tie the earlier side. Nothing is larger than NaN, so a normal that gives it for the first side has
+// that one.
 std::size_t sideOf(const Directions& directions, const float* normal)
 {
     const mgVector_c towards(normal[0], normal[1], normal[2]);
     std::size_t best = 0;
-    float largest = -std::numeric_limits<float>::infinity();
-    for (std::size_t side = 0; side < kSides; ++side) {
+    float largest = static_cast<float>(directions[0] % towards);
+    for (std::size_t side = 1; side < kSides; ++side) {
         const float along = static_cast<float>(directions[side] % towards);
         if (along > largest) {
             largest = along;

@@ -1,20 +1,23 @@
 #include "raylume/appearance/FaceIndex.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <iterator>
+#include <span>
 
 #include "raylume/scene/dlPart.h"
 
 namespace {
 
-// Where a part's bodies lie; a part or body without an array has none, whatever its count says.
-std::vector<std::pair<dlFace*, std::int32_t>> bodiesOf(const dlPart& part)
+// A part or body without an array has nothing in it, whatever its count says.
+std::span<const dlBody> bodiesOf(const dlPart& part)
 {
-    std::vector<std::pair<dlFace*, std::int32_t>> bodies;
-    for (std::int32_t index = 0; part.bodies && index < part.bodyCount; ++index) {
-        const dlBody& body = part.bodies[index];
-        bodies.emplace_back(body.faces, body.faces ? body.faceCount : 0);
-    }
-    return bodies;
+    return {part.bodies, part.bodies && part.bodyCount > 0 ? static_cast<std::size_t>(part.bodyCount) : 0};
+}
+
+std::pair<dlFace*, std::int32_t> facesOf(const dlBody& body)
+{
+    return {body.faces, body.faces ? body.faceCount : 0};
 }
 
 template <class Entry>
@@ -32,8 +35,10 @@ bool sameId(const Entry& a, const Entry& b)
 }  // namespace
 
 // A sorted array and no hash table: the ids come from the document, which could make them collide.
-FaceIndex::FaceIndex(const dlPart& part) : bodies_(bodiesOf(part))
+FaceIndex::FaceIndex(const dlPart& part)
 {
+    const auto bodies = bodiesOf(part);
+    std::transform(bodies.begin(), bodies.end(), std::back_inserter(bodies_), facesOf);
     for (const auto& [faces, count] : bodies_) {
         for (std::int32_t index = 0; index < count; ++index)
             entries_.emplace_back(faces[index].faceId, &faces[index]);
@@ -51,7 +56,9 @@ dlFace* FaceIndex::find(std::int32_t faceId) const
 
 bool FaceIndex::fits(const dlPart& part) const
 {
-    return bodies_ == bodiesOf(part);
+    const auto bodies = bodiesOf(part);
+    return std::equal(bodies_.begin(), bodies_.end(), bodies.begin(), bodies.end(),
+                      [](const Faces& then, const dlBody& now) { return then == facesOf(now); });
 }
 
 const FaceIndex& FaceIndices::of(const dlPart& part)

@@ -208,15 +208,15 @@ bool takeFromCache(const maskimages::Cache<Record>& cache, const Record& wanted,
     return hit != nullptr;
 }
 
+// The name comes last: a decal whose image could not be remembered still has the one to begin with again.
 template <class Record>
-void keep(maskimages::Cache<Record>& cache, Record record, const std::wstring& resultFile,
-          std::wstring& filename)
+void keep(maskimages::Cache<Record>& cache, Record record, std::wstring resultFile, std::wstring& filename)
 {
     if (resultFile.empty())
         return;
-    filename = resultFile;
     record.resultFile = resultFile;
     cache.add(std::move(record));
+    filename = std::move(resultFile);
 }
 
 std::wstring bakeColours(const maskimages::ColorsRecord& wanted)

@@ -64,10 +64,17 @@ public:
         return entry == first_.end() ? nullptr : &records_[entry->second];
     }
 
+    /// When memory runs out, everything stays as it was.
     void add(Record record)
     {
-        first_.try_emplace(keyOf(record), records_.size());
+        Key key = keyOf(record);
         records_.push_back(std::move(record));
+        try {
+            first_.try_emplace(std::move(key), records_.size() - 1);
+        } catch (...) {
+            records_.pop_back();
+            throw;
+        }
     }
 
     const std::vector<Record>& records() const { return records_; }

@@ -9,8 +9,7 @@
 namespace {
 
 constexpr wchar_t kThirdPartyName[] = L"ThirdPtyStore";
-constexpr std::uint32_t kWriteMode = 0x12;
-constexpr HResult kFileNotFound = static_cast<HResult>(0x80030002u);
+constexpr std::uint32_t kWriteMode = kModeExclusive + kModeReadWrite;
 constexpr std::uint32_t kNewestVersion = 16000;
 constexpr std::uint32_t kOldestVersion = 629;
 
@@ -48,7 +47,7 @@ HResult openChild(IStorage& parent, const wchar_t* name, int forWrite, IStorage*
     if (!forWrite)
         return parent.OpenStorage(name, kReadMode, child);
     const HResult result = parent.OpenStorage(name, kWriteMode, child);
-    return result == kFileNotFound ? makeStorage(parent, name, child) : result;
+    return result == kStorageNotFound ? makeStorage(parent, name, child) : result;
 }
 
 // The display list's own version counts where there is one, but only against the lower limit.

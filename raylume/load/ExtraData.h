@@ -8,7 +8,7 @@
 inline constexpr wchar_t kAddinStorageName[] = L"Raylume";
 inline constexpr wchar_t kSettingsStreamName[] = L"ShaderData";
 /// Exclusive, for reading.
-inline constexpr std::uint32_t kReadMode = 0x10;
+inline constexpr std::uint32_t kReadMode = kModeExclusive + kModeRead;
 
 /// The storage `name` of "ThirdPtyStore", which the session opens through `storage` the first time and
 /// keeps. The caller owns the reference. For writing (`forWrite` not 0) it is made where it is missing.

@@ -12,6 +12,7 @@
 //   operations that answer by configuration are virtual and answer from the members beside them.
 #pragma once
 
+#include <bit>
 #include <cstdint>
 #include <list>
 #include <map>
@@ -63,7 +64,38 @@ public:
     void RemoveAll() { elements_.clear(); }
     long long GetCount() const { return static_cast<long long>(elements_.size()); }
 
+    /// Stores the number of elements and the eight bytes of each, or reads as many and appends them. An
+    /// archive is a stream with RLByteStream's operations.
+    template <class Archive>
+    void Serialize(Archive& archive)
+    {
+        if (archive.isStoring())
+            store(archive);
+        else
+            load(archive);
+    }
+
 private:
+    template <class Archive>
+    void store(Archive& archive) const
+    {
+        archive.writeCount(elements_.size());
+        for (const Type& element : elements_)
+            archive.write(std::bit_cast<std::uint64_t>(element));
+    }
+
+    // The number is only believed element by element.
+    template <class Archive>
+    void load(Archive& archive)
+    {
+        const std::uint64_t count = archive.readCount();
+        for (std::uint64_t i = 0; i < count; ++i) {
+            std::uint64_t bits = 0;
+            archive.read(bits);
+            AddTail(std::bit_cast<Type>(bits));
+        }
+    }
+
     std::list<Type> elements_;
 };
 

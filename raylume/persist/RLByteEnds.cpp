@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr std::uint32_t kWriteFault = 0x8003001Du;
+constexpr auto kWriteFault = static_cast<std::uint32_t>(kStorageWriteFault);
 // Streams of compound files count in 32 bits.
 constexpr std::size_t kMostAtOnce = std::size_t{1} << 30;
 

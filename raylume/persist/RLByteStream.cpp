@@ -1,6 +1,7 @@
 #include "raylume/persist/RLByteStream.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 #include <utility>
 #include <vector>
@@ -16,6 +17,8 @@ constexpr std::uint32_t kNoByteLength = 0xFF;
 constexpr std::uint32_t kWideMarker = 0xFFFE;
 constexpr std::uint32_t kNoShortLength = 0xFFFF;
 constexpr std::uint32_t kNoLongLength = 0xFFFFFFFF;
+// What the reading of text may look at behind the bytes that it was given.
+constexpr std::size_t kSlack = 16;
 // A string is collected in pieces, so that a length takes no memory before its bytes are there.
 constexpr std::uint64_t kPiece = 0x10000;
 
@@ -35,24 +38,79 @@ std::uint32_t unitAt(const unsigned char* bytes, std::size_t index)
     return bytes[2 * index] | static_cast<std::uint32_t>(bytes[2 * index + 1]) << 8;
 }
 
-// Neither NUL nor anything beyond ASCII. No branch for each, so that the compiler takes many at once.
-bool isPlain(const unsigned char* bytes, std::size_t length, bool isWide)
+// Plain text is ASCII without a NUL, which nearly all text is. It is taken in blocks, without a branch for
+// each character, and the tests of all blocks are looked at in the end. The last block may reach past the
+// text, though never past kSlack; what is there does not count.
+
+constexpr std::size_t kBlock = 8;
+constexpr std::uint16_t kOthers = 0xFF80;
+
+// From `kBlock - n` on: n lanes that count, and behind them those that do not.
+constexpr std::uint16_t kLanes[2 * kBlock] = {0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF,
+                                              0xFFFF, 0xFFFF, 0xFFFF, 0xFFFF};
+
+std::uint16_t littleEndian(std::uint16_t unit)
 {
-    std::uint32_t others = 0;
-    for (std::size_t i = 0; i < length; ++i)
-        others |= ((isWide ? unitAt(bytes, i) : bytes[i]) - 1u) >= 0x7Fu ? 1u : 0u;
-    return others == 0;
+    if constexpr (std::endian::native == std::endian::little)
+        return unit;
+    return static_cast<std::uint16_t>(unit << 8 | unit >> 8);
 }
 
-void assignPlain(std::string& text, const unsigned char* bytes, std::size_t length, bool isWide)
-{
-    if (!isWide) {
-        text.assign(reinterpret_cast<const char*>(bytes), length);
-        return;
+struct UnitBlock {
+    static constexpr std::size_t kWidth = 2;
+    static void get(std::uint16_t (&units)[kBlock], const unsigned char* bytes)
+    {
+        std::memcpy(units, bytes, sizeof units);
+        for (std::uint16_t& unit : units)
+            unit = littleEndian(unit);
     }
-    text.resize(length);
-    for (std::size_t i = 0; i < length; ++i)
-        text[i] = static_cast<char>(bytes[2 * i]);
+};
+
+struct ByteBlock {
+    static constexpr std::size_t kWidth = 1;
+    static void get(std::uint16_t (&units)[kBlock], const unsigned char* bytes)
+    {
+        for (std::size_t k = 0; k < kBlock; ++k)
+            units[k] = bytes[k];
+    }
+};
+
+// A unit that is 0 has all bits when one is taken away from it, and one beyond ASCII has some to begin
+// with.
+template <class Block>
+bool narrowPlain(const unsigned char* bytes, std::size_t length, char* text)
+{
+    std::uint16_t others[kBlock] = {};
+    for (std::size_t i = 0; i < length; i += kBlock) {
+        std::uint16_t units[kBlock];
+        Block::get(units, bytes + Block::kWidth * i);
+        const std::uint16_t* const lanes = kLanes + kBlock - std::min(kBlock, length - i);
+        for (std::size_t k = 0; k < kBlock; ++k) {
+            others[k] = static_cast<std::uint16_t>(others[k] | ((units[k] | (units[k] - 1)) & lanes[k]));
+            text[i + k] = static_cast<char>(units[k]);
+        }
+    }
+    std::uint16_t all = 0;
+    for (const std::uint16_t other : others)
+        all = static_cast<std::uint16_t>(all | other);
+    return (all & kOthers) == 0;
+}
+
+// False, and the text untouched, when the characters are no plain text.
+template <class Block>
+bool assignPlain(std::string& text, const unsigned char* bytes, std::size_t length)
+{
+    char narrowed[RLByteStream::kBufferSize / Block::kWidth + kBlock];
+    if (!narrowPlain<Block>(bytes, length, narrowed))
+        return false;
+    text.assign(narrowed, length);
+    return true;
+}
+
+bool isPlain(const char* text, std::size_t length)
+{
+    const auto isOther = [](char c) { return (static_cast<unsigned char>(c) - 1u) >= 0x7Fu; };
+    return std::none_of(text, text + length, isOther);
 }
 
 bool isLead(std::uint32_t unit)
@@ -92,6 +150,13 @@ std::string textFrom(const unsigned char* bytes, std::size_t length, bool isWide
     return platform::narrow(isWide ? wideFromUnits(bytes, length) : wideFromBytes(bytes, length));
 }
 
+// The marker of the wide form and a length of one byte.
+bool isUsualHead(const unsigned char* bytes)
+{
+    return bytes[0] == kNoByteLength && bytes[1] == (kWideMarker & 0xFF) && bytes[2] == kWideMarker >> 8 &&
+           bytes[3] != kNoByteLength;
+}
+
 std::size_t unitCount(const std::wstring& text)
 {
     const auto pairs = std::count_if(text.begin(), text.end(),
@@ -104,7 +169,7 @@ std::size_t unitCount(const std::wstring& text)
 RLByteStream::RLByteStream(RLByteSource& source, std::wstring fileName)
     : source_(&source),
       keepsAscii_(codePageKeepsAscii()),
-      buffer_(new unsigned char[kBufferSize]),
+      buffer_(new unsigned char[kBufferSize + kSlack]()),
       fileName_(std::move(fileName))
 {
     readAt_ = readEnd_ = buffer_.get();
@@ -113,7 +178,7 @@ RLByteStream::RLByteStream(RLByteSource& source, std::wstring fileName)
 RLByteStream::RLByteStream(RLByteSink& sink, std::wstring fileName)
     : sink_(&sink),
       keepsAscii_(codePageKeepsAscii()),
-      buffer_(new unsigned char[kBufferSize]),
+      buffer_(new unsigned char[kBufferSize + kSlack]()),
       fileName_(std::move(fileName))
 {
     writeAt_ = buffer_.get();
@@ -263,6 +328,11 @@ std::uint64_t RLByteStream::readLongLength(std::uint64_t twoBytes)
 // The marker counts once: behind it the same two bytes only say that the length is longer.
 RLByteStream::StringHead RLByteStream::readHead()
 {
+    constexpr std::size_t kUsual = 4;
+    if (static_cast<std::size_t>(readEnd_ - readAt_) >= kUsual && isUsualHead(readAt_)) {
+        readAt_ += kUsual;
+        return {readAt_[-1], true};
+    }
     std::uint64_t length = take<1>();
     if (length < kNoByteLength)
         return {length, false};
@@ -285,9 +355,8 @@ void RLByteStream::read(std::string& text)
     }
     const auto length = static_cast<std::size_t>(head.length);
     const unsigned char* const bytes = next(length * static_cast<std::size_t>(width));
-    if (keepsAscii_ && isPlain(bytes, length, head.isWide))
-        assignPlain(text, bytes, length, head.isWide);
-    else
+    const auto assign = head.isWide ? assignPlain<UnitBlock> : assignPlain<ByteBlock>;
+    if (!keepsAscii_ || !assign(text, bytes, length))
         text = textFrom(bytes, length, head.isWide);
 }
 
@@ -312,7 +381,7 @@ bool RLByteStream::writePlainText(const char* text, std::size_t length)
 {
     constexpr std::size_t kHead = 4;
     const auto* const bytes = reinterpret_cast<const unsigned char*>(text);
-    if (length >= kNoByteLength || !keepsAscii_ || !isPlain(bytes, length, false))
+    if (length >= kNoByteLength || !keepsAscii_ || !isPlain(text, length))
         return false;
     unsigned char* target = room(kHead + 2 * length);
     target[0] = kNoByteLength;

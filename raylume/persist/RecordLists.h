@@ -3,7 +3,6 @@
 
 #include <cstdint>
 #include <list>
-#include <utility>
 
 #include "raylume/persist/RLArchive.h"
 
@@ -17,14 +16,19 @@ void storeList(RLArchive& archive, std::list<Record>& records)
         record.serialize(archive);
 }
 
-/// Appends. The number is only believed element by element; one that fails is not appended.
+/// Appends. The number is only believed element by element, and one that fails is taken away again. Each is
+/// read in its place, since moving it there would cost as much as reading it.
 template <class Record>
 void loadElements(RLArchive& archive, std::list<Record>& records, std::uint32_t count)
 {
     for (std::uint32_t i = 0; i < count; ++i) {
-        Record record;
-        record.serialize(archive);
-        records.push_back(std::move(record));
+        Record& record = records.emplace_back();
+        try {
+            record.Record::serialize(archive);
+        } catch (...) {
+            records.pop_back();
+            throw;
+        }
     }
 }
 

@@ -57,15 +57,20 @@ public:
     void setColorMask(std::list<unsigned long> value);
 
     /// Saves `texture.filename` as a bitmap in which the colours of `colorMask` are transparent and all
-    /// others opaque, and takes its path. `documentPath` is the folder of the document with a trailing
-    /// separator, where the image is searched. What was made before of the same image and the same colours
-    /// in the same order is used again.
+    /// others opaque, and takes its path. `documentPath` is the folder of the document, where the image is
+    /// searched. It is passed on as it is: without a trailing separator its last component is lost.
     ///
-    /// Errors: none. An image that cannot be read still takes a path, with nothing behind it; without a
-    ///   temporary folder `texture.filename` stays.
+    /// What was made before of the same image and the same colours in the same order is used again, as long
+    /// as the process lives. That goes for failures too, and for files that rlu_ClearTempBMPFiles has
+    /// deleted: they are not made again.
+    ///
+    /// Errors: none. An image that cannot be read still takes a path, with nothing behind it; the next
+    ///   bitmap may be saved there, and then the path names another picture. Without a temporary folder
+    ///   `texture.filename` stays.
     void generateNewImageUsingMaskColors(std::wstring documentPath);
     /// The same with the blue bytes of a mask image, `maskName`, as alpha; with `invert` 255 minus them.
-    /// When only the mask cannot be read, the image is saved with its own alpha.
+    /// When only the mask cannot be read, the image is saved with its own alpha. What was made before of
+    /// the same two images and the same `invert` is used again.
     void generateNewImageUsingMaskFile(std::wstring documentPath, std::wstring maskName, bool invert);
 
     std::int32_t decalReservedA = 0;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <limits>
+#include <list>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -10,6 +11,7 @@
 #include <utility>
 
 #include "raylume/platform/Text.h"
+#include "raylume/services/IgnoredImages.h"
 #include "raylume/services/PathText.h"
 #include "raylume/services/SideFile.h"
 #include "raylume/services/Text.h"

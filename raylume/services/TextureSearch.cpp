@@ -4,11 +4,14 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <optional>
+#include <string>
 #include <string_view>
 #include <utility>
 
 #include "raylume/platform/Paths.h"
 #include "raylume/platform/Text.h"
+#include "raylume/services/FolderLists.h"
 #include "raylume/services/Locations.h"
 #include "raylume/services/PathText.h"
 #include "raylume/services/Registry.h"

@@ -14,7 +14,8 @@ enum TextureImageType : std::int32_t {
 };
 
 /// Where an image is that a document names by `storedPath`: a path that exists here, or the stored path if
-/// there is none, in the ANSI code page. "<SystemTexture>" at its start stands for the host's data folder.
+/// there is none, in the ANSI code page. A path that holds "<SystemTexture>" anywhere loses its first 15
+/// characters, the length of the tag, and the data folder takes their place.
 ///
 /// `searchFolder`, in the ANSI code page, is mostly the document's; it ends in a separator, or else its
 /// last component counts as a file. `sceneFolder` is used as it is, for scenes only. A relative path is
@@ -28,8 +29,3 @@ DL_API std::string rlu_getTextureFilename(const std::wstring& storedPath, const 
 DL_API int findFile(const wchar_t* storedPath, const std::wstring& dataFolder,
                     const std::wstring& searchFolder, TextureImageType type, std::wstring* result,
                     const std::wstring& sceneFolder);
-
-/// Tries the folders of a list separated by ";", one after another. Those that do not hold `leafName` are
-/// taken out of the list; what is left begins with the one that does. Non-zero when found; `destination` is
-/// written only then.
-int searchFolderList(std::wstring& folderList, const std::wstring& leafName, std::wstring& destination);

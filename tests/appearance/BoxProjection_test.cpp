@@ -15,6 +15,7 @@
 namespace {
 
 constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
+constexpr float kInfinite = std::numeric_limits<float>::infinity();
 
 // Positions and normals, six floats a vertex.
 void setVertices(dlFace& face, const std::vector<float>& values)
@@ -65,6 +66,10 @@ const SideCase kSides[] = {
     {"a_zero_normal_is_x", {0, 0, 0}, {2, 3}},
     {"a_normal_that_is_no_number_is_x", {kNan, kNan, kNan}, {2, 3}},
     {"a_normal_partly_no_number_is_x", {0, 5, kNan}, {2, 3}},
+    {"an_infinite_normal_towards_x_is_x", {kInfinite, 0, 0}, {2, 3}},
+    {"an_infinite_normal_towards_y_is_x", {0, kInfinite, 0}, {2, 3}},
+    {"an_infinite_normal_against_y_is_x", {0, -kInfinite, 0}, {2, 3}},
+    {"an_infinite_normal_against_x_is_against_x", {-kInfinite, 0, 0}, {-2, 3}},
 };
 
 class BoxSide : public testing::TestWithParam<SideCase> {};

@@ -591,9 +591,14 @@ TEST_F(DecalTranslation, takes_the_image_of_the_decal_and_not_that_of_the_materi
 TEST_F(DecalTranslation, works_on_the_document_as_it_was_at_the_start)
 {
     one.materialProperties.idName = L"id";
-    Recorder::get().onCall("getIdName()", [&] { one.textureProperties.filename = L"changed"; });
+    Recorder::get().onCall("getIdName()", [&] {
+        one.textureProperties.filename = L"changed";
+        appearance.weight = 5;
+        one.materialProperties.rvAppearance = &appearance;
+    });
     translate();
     EXPECT_EQ(decal.texture.filename, L"image.png");
+    EXPECT_EQ(decal.rvWeight, 0.0f);
 }
 
 // ---------------------------------------------------------------------------------- directions

@@ -39,8 +39,9 @@ bool isOfTheLanguage(const ExportedSymbol& symbol)
 bool isOfTheInterface(const ExportedSymbol& symbol)
 {
     return matches(symbol.name,
-                   "((typeinfo|typeinfo name|vtable) for )?dl[A-Z][A-Za-z]*(::.*)?"
+                   "((typeinfo|typeinfo name|vtable) for )?(dl|RL)[A-Z][A-Za-z]*(::.*)?"
                    "|rlu_[A-Za-z0-9_]+(\\[abi:cxx11\\])?(\\(.*)?"
+                   "|findFile\\(.*"
                    "|g_terminateLoad");
 }
 
@@ -103,7 +104,22 @@ TEST(ExportedSymbols, HaveWhatAHostNeeds)
                              "dlLight::dlLight()",
                              "dlScene::dlScene()",
                              "dlAssemblyNode::~dlAssemblyNode()",
-                             "dlBBox::getRadius()"})
+                             "dlBBox::getRadius()",
+                             "RLData::ReadRaylumeData(char const*)",
+                             "RLData::WriteRaylumeData(char const*, RLData const*)",
+                             "RLData::OVFileExists(char const*)",
+                             "RLData::serialize(RLArchive&)",
+                             "RLData::RLData(RLData const&)",
+                             "RLData::~RLData()",
+                             "RLCameraData::RLCameraData()",
+                             "RLCameraData::getImageFormat[abi:cxx11]() const",
+                             "RLEnvironmentMaterial::RLEnvironmentMaterial()",
+                             "RLSceneData::RLSceneData()",
+                             "RLMaskMaterial::RLMaskMaterial()",
+                             "RLFloatChannel::RLFloatChannel()",
+                             "RLStringTag::RLStringTag()",
+                             "RLTextureInfo::serialize(RLArchive&)",
+                             "typeinfo for RLSerializable"})
         EXPECT_THAT(names, Contains(name));
 }
 
@@ -115,6 +131,20 @@ TEST(ExportedSymbols, HaveTheMasksOfDecals)
     EXPECT_THAT(names, Contains("dlDecal::generateNewImageUsingMaskColors(" + wide + ")"));
     EXPECT_THAT(names,
                 Contains("dlDecal::generateNewImageUsingMaskFile(" + wide + ", " + wide + ", bool)"));
+}
+
+// By their bare names, without what they take.
+TEST(ExportedSymbols, HaveTheImagesThatAModelNames)
+{
+    std::set<std::string> plain;
+    for (const auto& symbol : exportedSymbols(RAYLUME_DL_FILE))
+        plain.insert(symbol.name.substr(0, symbol.name.find_first_of("[(")));
+    for (const char* name :
+         {"findFile", "rlu_getTextureFilename", "rlu_observeTextureSearches", "rlu_GetDefaultAppearanceCol",
+          "rlu_PopulateIgnoredMissingImagesList", "rlu_IsInIgnoredMissingImagesList",
+          "rlu_GetBitmapDataFromFile", "rlu_GetPictureFileData", "rlu_SaveAsBitmap",
+          "rlu_ClearTempBMPFiles", "rlu_nativePath"})
+        EXPECT_THAT(plain, Contains(name));
 }
 
 class HiddenName : public testing::TestWithParam<const char*> {};
@@ -133,7 +163,9 @@ INSTANTIATE_TEST_SUITE_P(Rows, HiddenName,
                                          "attachPartDecals", "attachInstanceDecals", "translateDecal",
                                          "generateBoxTextureCoords", "boxCoordsForFace", "maskImageCache",
                                          "maskimages", "surfaceFinishBumpFile", "placeImageCentre",
-                                         "platform::"),
+                                         "openAddinSubStorage", "openRaylumeStorage", "eraseShaderData",
+                                         "matrixToAngles", "persist::", "searchFolderList",
+                                         "g_ignoredImages", "platform::"),
                          [](const auto& row) {
                              std::string name = row.param;
                              std::erase(name, ':');

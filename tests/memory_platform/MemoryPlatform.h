@@ -10,6 +10,7 @@
 
 #include "raylume/platform/Files.h"
 #include "raylume/platform/UserSettings.h"
+#include "raylume/platform/posix/CompoundTree.h"
 
 namespace memory_platform {
 
@@ -22,6 +23,11 @@ struct Machine {
     std::map<std::wstring, std::string> contents;
     /// Bytes of each file that can be read before the device fails.
     std::size_t failingRead = static_cast<std::size_t>(-1);
+    /// Compound files by tidyPath(), as they were saved last.
+    std::map<std::wstring, platform::compound::ElementPtr> compoundFiles;
+    /// What saving one comes to. A failure leaves the saved tree as it was.
+    HResult compoundWriteResult = kStorageOk;
+    int compoundWrites = 0;
     std::map<std::string, std::wstring> variables;
     /// Empty: the system does not tell.
     std::wstring executable;

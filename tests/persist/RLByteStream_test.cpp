@@ -8,6 +8,7 @@
 #include <stdexcept>
 #include <vector>
 
+#include "raylume/load/ReaderInterface.h"
 #include "raylume/platform/CompoundFile.h"
 #include "tests/persist/Archives.h"
 #include "tests/persist/StreamBuilder.h"
@@ -528,6 +529,41 @@ TEST_P(ListCount, IsWrittenAndReadBack)
 
 INSTANTIATE_TEST_SUITE_P(Rows, ListCount, testing::ValuesIn(kCounts),
                          [](const auto& row) { return std::string(row.param.name); });
+
+CRectItem* itemAt(std::uint64_t address)
+{
+    return std::bit_cast<CRectItem*>(address);
+}
+
+TEST(EmbeddedItems, AreStoredAsTheirNumberAndEightBytesEach)
+{
+    CList<CRectItem*, CRectItem*> items;
+    items.AddTail(itemAt(0x0102030405060708));
+    items.AddTail(nullptr);
+    Storing storing;
+    items.Serialize(storing.stream());
+    EXPECT_EQ(storing.bytes(), Bytes().u16(2).u64(0x0102030405060708).u64(0).get());
+}
+
+TEST(EmbeddedItems, AreAppendedWhenLoaded)
+{
+    CList<CRectItem*, CRectItem*> items;
+    items.AddTail(itemAt(1));
+    Loading loading(Bytes().u16(2).u64(2).u64(3).raw("rest").get());
+    items.Serialize(loading.stream());
+    EXPECT_EQ(loading.rest(), "rest");
+    Storing storing;
+    items.Serialize(storing.stream());
+    EXPECT_EQ(storing.bytes(), Bytes().u16(3).u64(1).u64(2).u64(3).get());
+}
+
+TEST(EmbeddedItems, OfAHugeNumberAreThoseThatAreThere)
+{
+    CList<CRectItem*, CRectItem*> items;
+    Loading loading(Bytes().u16(0xFFFF).u32(0xFFFFFFFF).u64(UINT64_MAX).u64(1).get());
+    EXPECT_EQ(causeOf([&] { items.Serialize(loading.stream()); }), kEndOfFile);
+    EXPECT_EQ(items.GetCount(), 1);
+}
 
 // --- the buffer
 

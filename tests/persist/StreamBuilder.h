@@ -3,6 +3,7 @@
 
 #include <bit>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -83,15 +84,18 @@ struct View {
     std::string content;
 };
 
+/// Nothing: a stream of somebody without a folder of views, which only such a reader can read.
+using Views = std::optional<std::vector<View>>;
+
 /// The number of views takes four bytes here, as readers have it.
-inline void addCamera(Bytes& bytes, std::uint32_t version, const std::vector<View>& views = {})
+inline void addCamera(Bytes& bytes, std::uint32_t version, const Views& views = std::vector<View>())
 {
     bytes.f32(1).f32(2).f32(3).f32(4).f32(5).f32(6).f32(7);
     if (version > 3)
         bytes.f32(35.5f).i32(2);
-    if (version > 5) {
-        bytes.u32(static_cast<std::uint32_t>(views.size()));
-        for (const View& view : views)
+    if (version > 5 && views) {
+        bytes.u32(static_cast<std::uint32_t>(views->size()));
+        for (const View& view : *views)
             bytes.text(view.path).u32(static_cast<std::uint32_t>(view.content.size())).raw(view.content);
     }
     if (version > 7)
@@ -111,7 +115,7 @@ inline void addScene(Bytes& bytes, std::uint32_t version)
 
 /// Two masks, the environment, and as far as the version has them camera and scene.
 inline Bytes sampleStream(std::uint32_t version, Form form = Form::kWide,
-                          const std::vector<View>& views = {})
+                          const Views& views = std::vector<View>())
 {
     Bytes bytes(form);
     bytes.u32(version).u32(2);

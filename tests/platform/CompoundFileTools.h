@@ -7,6 +7,7 @@
 #include <string>
 #include <utility>
 
+#include "RawCompoundFile.h"
 #include "raylume/platform/CompoundFile.h"
 #include "raylume/platform/Text.h"
 
@@ -129,6 +130,25 @@ inline std::string pattern(std::size_t size, unsigned seed = 1)
         byte = static_cast<char>(state >> 24);
     }
     return bytes;
+}
+
+/// A file with sectors of 4096 bytes, a stream "Large" of pattern(70000, 2) and a stream "Small" of
+/// pattern(100, 3).
+inline std::string largeSectorFile()
+{
+    using Builder = RawCompoundBuilder;
+    Builder builder(12);
+    const std::uint32_t large = builder.add(pattern(70000, 2));
+    std::string small = pattern(100, 3);
+    small.resize(128);
+    const std::uint32_t smallStream = builder.add(small);
+    std::string table = Builder::little(1, 4) + Builder::little(Builder::kEnd, 4);
+    table.resize(4096, '\xFF');
+    const std::uint32_t smallTable = builder.add(table);
+    const Builder::Entry root{u"Root Entry", 5, Builder::kNone, Builder::kNone, 1, smallStream, 128};
+    const Builder::Entry first{u"Large", 2, Builder::kNone, 2, Builder::kNone, large, 70000};
+    const Builder::Entry second{u"Small", 2, Builder::kNone, Builder::kNone, Builder::kNone, 0, 100};
+    return builder.file({root, first, second}, smallTable, 1);
 }
 
 }  // namespace compound_tests

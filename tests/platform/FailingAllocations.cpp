@@ -1,5 +1,6 @@
 #include "tests/platform/FailingAllocations.h"
 
+#include <atomic>
 #include <cstddef>
 #include <cstdlib>
 
@@ -9,6 +10,7 @@ constexpr long kNever = -1;
 
 long g_successes = kNever;
 bool g_failed = false;
+std::atomic<long> g_blocks = 0;  // other threads may be at work
 
 void* allocate(std::size_t size)
 {
@@ -20,7 +22,16 @@ void* allocate(std::size_t size)
     if (!block) {
         throw std::bad_alloc();
     }
+    ++g_blocks;
     return block;
+}
+
+void release(void* block)
+{
+    if (block) {
+        --g_blocks;
+    }
+    std::free(block);
 }
 
 }  // namespace
@@ -39,6 +50,11 @@ bool stop()
     return g_failed;
 }
 
+long blocks()
+{
+    return g_blocks;
+}
+
 }  // namespace failing_allocations
 
 void* operator new(std::size_t size)
@@ -53,20 +69,20 @@ void* operator new[](std::size_t size)
 
 void operator delete(void* block) noexcept
 {
-    std::free(block);
+    release(block);
 }
 
 void operator delete(void* block, std::size_t) noexcept
 {
-    std::free(block);
+    release(block);
 }
 
 void operator delete[](void* block) noexcept
 {
-    std::free(block);
+    release(block);
 }
 
 void operator delete[](void* block, std::size_t) noexcept
 {
-    std::free(block);
+    release(block);
 }

@@ -9,6 +9,8 @@ namespace failing_allocations {
 void start(long successes);
 /// From here on none fails. True when one did.
 bool stop();
+/// How many blocks are allocated now, by all of the process.
+long blocks();
 
 struct Outcome {
     bool isWrong = false;  ///< The call came back with a wrong answer.

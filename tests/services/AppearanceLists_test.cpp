@@ -6,6 +6,7 @@
 #include <list>
 #include <string>
 
+#include "raylume/services/IgnoredImages.h"
 #include "tests/platform/ScopedCodePage.h"
 #include "tests/platform/TemporaryFolder.h"
 

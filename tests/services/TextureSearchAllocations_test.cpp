@@ -4,6 +4,7 @@
 #include <string>
 
 #include "raylume/services/AppearanceLists.h"
+#include "raylume/services/IgnoredImages.h"
 #include "tests/platform/FailingAllocations.h"
 #include "tests/services/TextureMachine.h"
 

@@ -7,6 +7,7 @@
 
 #include "raylume/services/AppearanceLists.h"
 #include "raylume/services/HostPaths.h"
+#include "raylume/services/IgnoredImages.h"
 #include "raylume/services/TextureSearch.h"
 #include "tests/memory_platform/MemoryPlatform.h"
 

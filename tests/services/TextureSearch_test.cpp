@@ -7,6 +7,7 @@
 #include <thread>
 
 #include "raylume/platform/Paths.h"
+#include "raylume/services/FolderLists.h"
 #include "tests/platform/ScopedCodePage.h"
 #include "tests/services/TextureMachine.h"
 
@@ -235,10 +236,12 @@ TEST_F(TextureSearch, SplitsTheFolderAtTheOtherSeparatorToo)
     EXPECT_EQ(outcome.probes, (Paths{L"C:\\gone\\wood.jpg", L"wood.jpg", L"C:\\a/docs/wood.jpg"}));
 }
 
-TEST_F(TextureSearch, WithoutAFolderTriesTheNameAgain)
+TEST_F(TextureSearch, WithoutAFolderTriesTheNameAgainAndReadsTheSideFileOfTheCurrentFolder)
 {
+    machine_.write("__ImageLocations__.txt", "k\tC:\\maps\n");
     const auto outcome = search({L"C:\\gone\\wood.jpg", TextureImageAppearance, L""});
-    EXPECT_EQ(outcome.probes, (Paths{L"C:\\gone\\wood.jpg", L"wood.jpg", L"wood.jpg"}));
+    EXPECT_EQ(outcome.probes,
+              (Paths{L"C:\\gone\\wood.jpg", L"wood.jpg", L"wood.jpg", L"C:\\maps\\wood.jpg"}));
 }
 
 // The parent folder.
@@ -510,6 +513,22 @@ TEST_F(TextureSearch, OfTheDataFolderItselfLeavesNoRelativePath)
     EXPECT_EQ(outcome.probes[3], L"C:\\s\\");
 }
 
+TEST_F(TextureSearch, TakesTheDataFolderFromAPathThatOnlyBeginsAlike)
+{
+    const auto outcome =
+        search({L"D:\\Database\\A.hdr", TextureImageScene, L"C:\\", L"C:\\s\\", L"D:\\Data"});
+    ASSERT_EQ(outcome.probes.size(), 5u);
+    EXPECT_EQ(outcome.probes[3], L"C:\\s\\ase\\a.hdr");
+}
+
+TEST_F(TextureSearch, LeavesADataFolderInTheMiddleOfAPathOfAScene)
+{
+    const auto outcome =
+        search({L"E:\\x\\D:\\Data\\a.hdr", TextureImageScene, L"C:\\", L"C:\\s\\", L"D:\\Data"});
+    ASSERT_EQ(outcome.probes.size(), 5u);
+    EXPECT_EQ(outcome.probes[3], L"C:\\s\\e:\\x\\d:\\data\\a.hdr");
+}
+
 TEST_F(TextureSearch, UsesTheSceneFolderForScenesOnly)
 {
     machine_.add("c:/scenes/a.bmp");
@@ -530,6 +549,15 @@ TEST_F(TextureSearch, TriesTheUsersFoldersForAppearances)
     EXPECT_EQ(outcome.result, L"C:\\2\\no such.jpg");
     EXPECT_EQ(outcome.probes, (Paths{L"E:\\gone\\no such.jpg", L"no such.jpg", L"C:\\no such.jpg",
                                      L"C:\\1\\no such.jpg", L"\\no such.jpg", L"C:\\2\\no such.jpg"}));
+}
+
+TEST_F(TextureSearch, LeavesThePathOfNoFolderOfTheUser)
+{
+    machine_.setUserFolders("\"Custom Apperance Folders\"=\"C:\\\\1\"\r\n");
+    const auto outcome = search({L"C:\\gone\\x", TextureImageAppearance, L"C:\\"});
+    EXPECT_EQ(outcome.found, 0);
+    EXPECT_EQ(outcome.probes.back(), L"C:\\1\\x");
+    EXPECT_EQ(outcome.result, L"x");
 }
 
 TEST_F(TextureSearch, TriesTheUsersFoldersForNothingElse)
@@ -603,8 +631,8 @@ TEST_P(DecalExtension, DecidesWhetherTheDefaultStandsIn)
     for (const auto& path : outcome.probes) {
         EXPECT_EQ(path.find(L"decals.bmp"), std::wstring::npos);
     }
-    EXPECT_NE(search({stored, TextureImageAppearance}).result,
-              L"D:\\Data\\images\\textures\\decals\\decals.bmp");
+    // An appearance keeps the path that was found, whatever its ending.
+    EXPECT_EQ(search({stored, TextureImageAppearance}).result, stored.substr(stored.rfind(L'\\') + 1));
 }
 
 INSTANTIATE_TEST_SUITE_P(Rows, DecalExtension, testing::ValuesIn(kExtensionCases),
@@ -805,6 +833,30 @@ TEST_F(TextureSearch, ObservesOneThreadOnly)
     const ObservedSearches observed;
     std::thread([] { rlu_getTextureFilename(L"a", "", TextureImageDecal, L""); }).join();
     EXPECT_TRUE(observed.all.empty());
+}
+
+TEST_F(TextureSearch, TellsAnObserverNothingOfAListAlone)
+{
+    const ObservedSearches observed;
+    std::wstring list = L"C:\\docs";
+    std::wstring destination;
+    searchFolderList(list, L"x", destination);
+    EXPECT_TRUE(observed.all.empty());
+}
+
+TEST_F(TextureSearch, LosesTheObserverThatAnObserverSets)
+{
+    int calls = 0;
+    int otherCalls = 0;
+    const auto before = rlu_observeTextureSearches([&](const TextureSearchRecord&) {
+        ++calls;
+        rlu_observeTextureSearches([&](const TextureSearchRecord&) { ++otherCalls; });
+    });
+    rlu_getTextureFilename(L"a", "", TextureImageDecal, L"");
+    rlu_getTextureFilename(L"a", "", TextureImageDecal, L"");
+    rlu_observeTextureSearches(before);
+    EXPECT_EQ(calls, 2);
+    EXPECT_EQ(otherCalls, 0);
 }
 
 TEST_F(TextureSearch, LetsAnObserverSearch)

@@ -7,6 +7,7 @@
 
 #include "Documents.h"
 #include "Folder.h"
+#include "Pictures.h"
 #include "raylume/platform/HostSetup.h"
 #include "raylume/platform/Text.h"
 #include "raylume/scene/dlModel.h"
@@ -191,12 +192,7 @@ TEST(MaterialsCommand, ShowsAppearances)
     EXPECT_EQ(result["materials"][0]["uses"]["instance"], 1);
 }
 
-// ---------------------------------------------------------------------------------- configurations
-
-std::string firstToken(const Said& said)
-{
-    return json::parse(said.out)["components"][0]["token"];
-}
+// ------------------------------------------------------------------------------- temporary bitmaps
 
 /// Points "temp" at a folder for one test.
 class TemporaryFolderIs {
@@ -206,6 +202,127 @@ public:
     TemporaryFolderIs& operator=(const TemporaryFolderIs&) = delete;
     ~TemporaryFolderIs() { platform::removeEnvironmentVariable("temp"); }
 };
+
+// One decal whose mask is baked; the second part may do something else first.
+void fillDecals(DocumentBuilder& builder, const std::string& image, uoTempPartTessData_c* second = nullptr)
+{
+    auto* decal = builder.document().own<uoDecalProperties>();
+    decal->textureProperties.filename = platform::fromUtf8(image);
+    decal->textureProperties.scale[0] = decal->textureProperties.scale[1] = 1;
+    decal->mappingKind = 2;
+    decal->colorMask = {0xFF};
+    decal->faceMappings.emplace_back();
+    auto* face = builder.face({band(4)});
+    auto* part = builder.part({builder.body({face})});
+    face->faceId = decal->faceMappings.back().faceId;
+    part->decalsByConfig[0] = {decal};
+    std::vector<uoTempAssemblySHDData_c*> components = {builder.component(L"a-1@t", part)};
+    if (second)
+        components.push_back(builder.component(L"b-1@t", second));
+    builder.configuration(L"long", components);
+    builder.assembly(std::move(components));
+}
+
+/// A document with an image of its own, which no earlier test has baked.
+class Decals {
+public:
+    Decals() : prepared_("/prepared/decals.asm", [this](DocumentBuilder& b) { fillDecals(b, image()); })
+    {
+        tool_test::writeFile(image(), tool_test::bmpFile(4, 4));
+    }
+    std::string image() const { return folder_ / "logo.bmp"; }
+    std::string path() const { return prepared_.path(); }
+
+private:
+    Folder folder_;
+    Prepared prepared_;
+};
+
+TEST(TemporaryBitmaps, GoWithEveryCommand)
+{
+    const Folder output;
+    for (const char* command : {"info", "tree", "animation", "materials", "export"}) {
+        const Folder folder;
+        const TemporaryFolderIs temp(folder.path());
+        const Decals document;
+        std::vector<std::string> arguments = {command, document.path()};
+        if (arguments[0] == "export")
+            arguments.push_back(output / "o.glb");
+        EXPECT_EQ(run(arguments).status, 0) << command;
+        EXPECT_THAT(folder.entries(), IsEmpty()) << command;
+    }
+}
+
+TEST(TemporaryBitmaps, StayWhenTheyAreToBeKept)
+{
+    const Folder folder;
+    const TemporaryFolderIs temp(folder.path());
+    const Decals document;
+    const json decal = json::parse(run({"materials", document.path(), "--json", "--keep"}).out);
+    ASSERT_EQ(folder.entries().size(), 1u);
+    const std::string bitmap = folder / (folder.entries()[0] + "/1.bmp");
+    EXPECT_TRUE(std::filesystem::exists(bitmap));
+    EXPECT_EQ(decal["textures"][0]["file"], document.image());
+    EXPECT_EQ(decal["textures"][0]["searchedAs"], "decal");
+    EXPECT_EQ(decal["textures"][0]["status"], "found");
+    EXPECT_EQ(decal["textures"][0]["bakedAs"], json({bitmap}));
+    EXPECT_EQ(decal["materials"][0]["bakedFrom"], json({document.image()}));
+}
+
+TEST(TemporaryBitmaps, AreThereWhileADecalOfAConfigurationIsWritten)
+{
+    const Folder folder;
+    const Folder output;
+    const TemporaryFolderIs temp(folder.path());
+    const Decals document;
+    const Said said = run({"--configuration", "long", "export", document.path(), output / "o.glb"});
+    EXPECT_EQ(said.status, 0);
+    EXPECT_EQ(said.err, "");
+    EXPECT_THAT(tool_test::readFile(output / "o.glb"), HasSubstr("\"alphaMode\":\"BLEND\""));
+    EXPECT_THAT(folder.entries(), IsEmpty());
+}
+
+TEST(TemporaryBitmaps, OfAConfigurationCanBeKeptToo)
+{
+    const Folder folder;
+    const TemporaryFolderIs temp(folder.path());
+    const Decals document;
+    EXPECT_EQ(run({"--configuration", "long", "info", document.path(), "--keep"}).status, 0);
+    long files = 0;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder.path()))
+        files += entry.is_regular_file() && entry.path().filename() == "1.bmp" ? 1 : 0;
+    EXPECT_EQ(files, 1);
+}
+
+TEST(TemporaryBitmaps, GoWhenTheLoadIsCancelled)
+{
+    const Folder folder;
+    const Folder images;
+    const TemporaryFolderIs temp(folder.path());
+    tool_test::writeFile(images / "logo.bmp", tool_test::bmpFile(4, 4));
+    const Prepared document("/prepared/cancelled.asm", [&](DocumentBuilder& builder) {
+        class Late : public uoTempPartTessData_c {
+            int getNumBodies() const override
+            {
+                // By now the mask of the first part is baked.
+                const std::filesystem::path temporary = std::getenv("temp");
+                EXPECT_FALSE(std::filesystem::is_empty(temporary));
+                std::raise(SIGINT);
+                return 0;
+            }
+        };
+        fillDecals(builder, images / "logo.bmp", builder.document().own<Late>());
+    });
+    EXPECT_EQ(run({"materials", document.path()}).err, "raylume-dl: cancelled\n");
+    EXPECT_THAT(folder.entries(), IsEmpty());
+}
+
+// ---------------------------------------------------------------------------------- configurations
+
+std::string firstToken(const Said& said)
+{
+    return json::parse(said.out)["components"][0]["token"];
+}
 
 TEST(Configuration, IsLoadedByItsName)
 {

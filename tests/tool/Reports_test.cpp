@@ -269,17 +269,24 @@ TEST(InfoText, ShowsNameCountsAndBox)
 
 // -------------------------------------------------------------------------------------- materials
 
+bool never()
+{
+    return false;
+}
+
 json materialsJson(dlModel& model)
 {
     std::ostringstream out;
-    tool::writeMaterialsJson(model, out);
+    tool::ImageSearch images;
+    tool::writeMaterialsJson(model, images, never, out);
     return json::parse(out.str());
 }
 
 std::string materialsText(dlModel& model)
 {
     std::ostringstream out;
-    tool::writeMaterialsText(model, out);
+    tool::ImageSearch images;
+    tool::writeMaterialsText(model, images, never, out);
     return out.str();
 }
 
@@ -356,7 +363,9 @@ TEST(MaterialsJson, TellsWhichTexturesExist)
     EXPECT_EQ(textures[0]["file"], folder.string() + "\\wood.png");
     EXPECT_EQ(textures[0]["status"], "found");
     EXPECT_EQ(textures[1]["status"], "missing");
-    EXPECT_EQ(textures[2]["status"], "missing") << "a folder is no image";
+    EXPECT_EQ(textures[2]["status"], "found") << "the search takes folders too";
+    EXPECT_EQ(textures[2]["readable"], false);
+    EXPECT_EQ(textures[0]["readable"], false) << "one letter is no image";
     EXPECT_EQ(textures[3]["file"], "cell.gltf#image12");
     EXPECT_EQ(textures[3]["status"], "embedded");
     EXPECT_EQ(textures[4]["status"], "found");
@@ -425,7 +434,54 @@ TEST(MaterialsText, DescribesEachAppearanceOnce)
               "      on 1 instance\n"
               "      texture gone\\brick.png (missing)\n"
               "without one of their own: 1 instance, 2 parts, 2 bodies, 2 faces\n"
-              "textures: 0 found, 1 missing, 0 embedded in the document\n");
+              "textures: 0 found, 1 missing, 0 embedded in the document\n"
+              "  gone\\brick.png: missing\n"
+              "      tried the stored path, the current folder, the document's folder\n");
+}
+
+TEST(MaterialsText, TellsOfTheSceneToo)
+{
+    auto model = treeModel();
+    model->scene.environmentImage = "gone\\sky.hdr";
+    EXPECT_NE(materialsText(*model).find("scene: environment gone\\sky.hdr (missing)\n"),
+              std::string::npos);
+    const json result = materialsJson(*model);
+    EXPECT_EQ(result["scene"]["environmentImage"], "gone\\sky.hdr");
+    EXPECT_EQ(result["scene"]["backPlateImage"], nullptr);
+    EXPECT_EQ(result["textures"][0]["searchedAs"], "scene");
+    EXPECT_EQ(result["textures"][0]["uses"], 1);
+}
+
+TEST(MaterialsJson, HasEveryPathThatWasTried)
+{
+    auto model = treeModel();
+    model->instances[0].material = new dlMaterial;
+    model->instances[0].material->texture.filename = L"gone\\brick.png";
+    const json texture = materialsJson(*model)["textures"][0];
+    EXPECT_EQ(texture["status"], "missing");
+    EXPECT_EQ(texture["path"], nullptr);
+    EXPECT_EQ(texture["readable"], nullptr);
+    EXPECT_EQ(texture["width"], nullptr);
+    EXPECT_EQ(texture["probeCount"], 3);
+    EXPECT_EQ(texture["probes"],
+              json::parse(R"([{"step": "storedPath", "path": "gone\\brick.png", "found": false},
+                              {"step": "fileName", "path": "brick.png", "found": false},
+                              {"step": "searchFolder", "path": "brick.png", "found": false}])"));
+}
+
+TEST(MaterialsReports, CanBeCancelledBeforeEachImage)
+{
+    auto model = treeModel();
+    for (int i = 0; i < 2; ++i) {
+        model->instances[i].material = new dlMaterial;
+        model->instances[i].material->texture.filename = i ? L"a.png" : L"b.png";
+    }
+    tool::ImageSearch images;
+    std::ostringstream out;
+    int asked = 0;
+    const auto atTheSecond = [&asked] { return ++asked == 2; };
+    EXPECT_THROW(tool::writeMaterialsJson(*model, images, atTheSecond, out), std::runtime_error);
+    EXPECT_EQ(out.str(), "");
 }
 
 // ---------------------------------------------------------------------------------- glTF materials

@@ -213,14 +213,21 @@ private:
         return kStorageOk;
     }
 
-    bool readEntry(std::uint32_t number, std::uint8_t* bytes) const
+    // Zero, which is the header, for an entry that the file does not have.
+    std::uint64_t placeOf(std::uint32_t number) const
     {
         const std::uint64_t offset = std::uint64_t{number} * kEntrySize;
         const std::uint64_t place = offset >> shift_;
         if (place >= entrySectors_.size() || entrySectors_[static_cast<std::size_t>(place)] >= sectors_)
-            return false;
+            return 0;
         const std::uint64_t sector = entrySectors_[static_cast<std::size_t>(place)];
-        return file_.read(((sector + 1) << shift_) + (offset & (sectorSize() - 1)), bytes, kEntrySize);
+        return ((sector + 1) << shift_) + (offset & (sectorSize() - 1));
+    }
+
+    bool readEntry(std::uint32_t number, std::uint8_t* bytes) const
+    {
+        const std::uint64_t place = placeOf(number);
+        return place != 0 && file_.read(place, bytes, kEntrySize);
     }
 
     // A place where an entry hangs in the tree of its siblings.
@@ -252,6 +259,7 @@ private:
             if (result < 0)
                 return result;
         }
+        std::sort(directory_.damagedSizes.begin(), directory_.damagedSizes.end());
         return count();
     }
 
@@ -268,6 +276,8 @@ private:
         directory_.farthest = std::max(directory_.farthest, link.distance);
         const std::size_t place = directory_.entries.size();
         directory_.entries.push_back(describe(bytes));
+        if (directory_.entries.back().damaged)
+            directory_.damagedSizes.push_back(placeOf(link.number) + 120);
         directory_.entries[link.parent].children.push_back(place);
         if (directory_.entries[link.parent].children.size() > kMostElements)
             return kStorageTooLarge;

@@ -42,6 +42,8 @@ struct Directory {
     /// How many links lie between the root and the farthest entry: what a recursive reader needs of
     /// its stack.
     std::size_t farthest = 0;
+    /// Where in the file the sizes of damaged streams stand, ascending; 8 bytes each.
+    std::vector<std::uint64_t> damagedSizes;
 };
 
 /// Reads and checks header, allocation tables and directory. Whatever passes has no chain of sectors

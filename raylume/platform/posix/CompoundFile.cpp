@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <climits>
 #include <cstdlib>
 #include <memory>
 #include <new>
@@ -26,19 +27,52 @@ struct FreeMemory {
     void operator()(char* memory) const { std::free(memory); }
 };
 
-// Where the links of a path lead to, so that the file is replaced and not a link to it.
-std::optional<std::string> resolved(const std::string& native)
+std::optional<std::string> realPath(const std::string& native)
 {
     const std::unique_ptr<char, FreeMemory> path(realpath(native.c_str(), nullptr));
     return path ? std::optional<std::string>(path.get()) : std::nullopt;
 }
 
+// Folder, with its separator, and name.
+std::pair<std::string, std::string> split(const std::string& native)
+{
+    const std::size_t cut = native.rfind('/');
+    if (cut == std::string::npos)
+        return {"./", native};
+    return {native.substr(0, cut + 1), native.substr(cut + 1)};
+}
+
+// What a link says, seen from where it lies; the path itself when it is no link.
+std::string followLink(const std::string& native)
+{
+    char text[PATH_MAX];
+    const ssize_t length = readlink(native.c_str(), text, sizeof(text));
+    if (length <= 0)
+        return native;
+    const std::string target(text, static_cast<std::size_t>(length));
+    return target[0] == '/' ? target : split(native).first + target;
+}
+
+// Where the links of a path lead to, from the root of the file system: a file is replaced there, so that
+// no link is replaced instead, and wherever the working folder is by then. The file itself may be
+// missing, its folder may not.
+std::optional<std::string> resolved(const std::string& native)
+{
+    if (auto path = realPath(native))
+        return path;
+    constexpr int kMostLinks = 40;
+    std::string last = native;
+    for (int i = 0; i < kMostLinks; ++i)
+        last = followLink(last);
+    const auto [folder, name] = split(last);
+    const auto real = realPath(folder);
+    return real && !name.empty() ? std::optional<std::string>(*real + "/" + name) : std::nullopt;
+}
+
 bool folderExists(const std::string& native)
 {
     struct stat status;
-    const std::size_t cut = native.rfind('/');
-    const std::string folder = cut == std::string::npos ? "." : native.substr(0, cut + 1);
-    return stat(folder.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+    return stat(split(native).first.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
 HResult openFailure(const std::string& native, int error)
@@ -76,7 +110,7 @@ HResult openTree(const std::wstring& path, bool writable, IStorage** root)
     if (writable) {
         const auto target = resolved(native);
         if (!target)
-            return openFailure(native, errno);
+            return kStoragePathNotFound;
         writer = makeFileWriter(*target, sectorSize);
     }
     *root = viewTree(std::move(tree), std::move(writer), false);
@@ -89,16 +123,14 @@ HResult findTarget(const std::string& native, bool replace, std::string& target,
     std::shared_ptr<const FileBytes> file;
     const HResult result = openRegular(native, replace, file);
     present = result != kStorageNotFound;
-    if (!present) {
-        target = native;
-        return kStorageOk;
-    }
     if (!replace && (result >= 0 || result == kStorageAccessDenied))
         return kStorageExists;
-    if (result < 0)
+    if (result < 0 && present)
         return result;
     const auto path = resolved(native);
-    target = path.value_or(native);
+    if (!path)
+        return kStoragePathNotFound;
+    target = *path;
     return kStorageOk;
 }
 

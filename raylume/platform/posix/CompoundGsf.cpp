@@ -1,6 +1,7 @@
 #include "raylume/platform/posix/CompoundGsf.h"
 
 #include <gsf/gsf-input-impl.h>
+#include <gsf/gsf-output-impl.h>
 
 #include <mutex>
 #include <new>
@@ -106,6 +107,49 @@ GsfInput* newInput(const File& file)
     return &input->base;
 }
 
+struct FileOutput {
+    GsfOutput base;
+    FileSink* sink;
+};
+
+struct FileOutputClass {
+    GsfOutputClass base;
+};
+
+gboolean writeOutput(GsfOutput* object, size_t count, const guint8* bytes)
+{
+    auto* output = static_cast<FileOutput*>(static_cast<void*>(object));
+    output->sink->write(static_cast<std::uint64_t>(object->cur_offset), bytes, count);
+    return TRUE;
+}
+
+// The base class keeps the place here, too.
+gboolean seekOutput(GsfOutput*, gsf_off_t, GSeekType)
+{
+    return TRUE;
+}
+
+gboolean closeOutput(GsfOutput*)
+{
+    return TRUE;
+}
+
+void initialiseOutputClass(gpointer made, gpointer)
+{
+    auto* type = static_cast<FileOutputClass*>(made);
+    type->base.Write = writeOutput;
+    type->base.Seek = seekOutput;
+    type->base.Close = closeOutput;
+}
+
+GType outputType()
+{
+    static const GType type =
+        g_type_register_static_simple(GSF_OUTPUT_TYPE, "RaylumeCompoundOutput", sizeof(FileOutputClass),
+                                      initialiseOutputClass, sizeof(FileOutput), nullptr, GTypeFlags(0));
+    return type;
+}
+
 void swallow(const gchar*, GLogLevelFlags, const gchar*, gpointer)
 {
 }
@@ -128,6 +172,14 @@ Object<GsfInput> makeGsfInput(std::shared_ptr<const FileBytes> file)
 {
     prepareGsf();
     return Object<GsfInput>(newInput(file));
+}
+
+Object<GsfOutput> makeGsfOutput(FileSink& sink)
+{
+    prepareGsf();
+    auto* output = static_cast<FileOutput*>(g_object_new(outputType(), nullptr));
+    output->sink = &sink;
+    return Object<GsfOutput>(&output->base);
 }
 
 }  // namespace platform::compound

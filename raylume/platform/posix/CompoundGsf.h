@@ -24,4 +24,17 @@ void prepareGsf();
 /// A file as libgsf reads it; holds the file.
 Object<GsfInput> makeGsfInput(std::shared_ptr<const FileBytes> file);
 
+/// A new file, written from its start.
+class FileSink {
+public:
+    virtual ~FileSink() = default;
+    /// Keeps what goes wrong for failed().
+    virtual void write(std::uint64_t offset, const void* bytes, std::size_t count) = 0;
+    virtual bool failed() const = 0;
+};
+
+/// A file as libgsf writes it. The sink is not owned and outlives it. libgsf never hears of a failed
+/// write, which would send it round without end when it closes a file: ask the sink.
+Object<GsfOutput> makeGsfOutput(FileSink& sink);
+
 }  // namespace platform::compound

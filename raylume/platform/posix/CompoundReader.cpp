@@ -3,6 +3,8 @@
 #include <gsf/gsf-infile-impl.h>
 #include <pthread.h>
 
+#include <algorithm>
+#include <cstring>
 #include <map>
 #include <optional>
 #include <utility>
@@ -169,6 +171,37 @@ private:
     const Directory& directory_;
 };
 
+// A file whose damaged streams have no bytes. libgsf drops a stream that claims more than the file has,
+// and with it all elements that hang below.
+class MendedFile final : public FileBytes {
+public:
+    MendedFile(std::shared_ptr<const FileBytes> file, std::vector<std::uint64_t> sizes)
+        : file_(std::move(file)), sizes_(std::move(sizes))
+    {
+    }
+
+    std::uint64_t size() const override { return file_->size(); }
+
+    bool read(std::uint64_t offset, void* buffer, std::size_t count) const override
+    {
+        if (!file_->read(offset, buffer, count))
+            return false;
+        const std::uint64_t end = offset + count;
+        auto place = std::lower_bound(sizes_.begin(), sizes_.end(), offset < 7 ? 0 : offset - 7);
+        for (; place != sizes_.end() && *place < end; ++place) {
+            const std::uint64_t from = std::max(*place, offset);
+            const std::uint64_t to = std::min(*place + 8, end);
+            std::memset(static_cast<char*>(buffer) + (from - offset), 0,
+                        static_cast<std::size_t>(to - from));
+        }
+        return true;
+    }
+
+private:
+    std::shared_ptr<const FileBytes> file_;
+    std::vector<std::uint64_t> sizes_;
+};
+
 struct RootOpening {
     GsfInput* input;
     Object<GsfInfile> root;
@@ -217,7 +250,8 @@ HResult readTree(const std::shared_ptr<const FileBytes>& file, ElementPtr& root,
     const HResult result = readDirectory(*file, directory);
     if (result < 0)
         return result;
-    const Object<GsfInput> input = makeGsfInput(file);
+    const Object<GsfInput> input = makeGsfInput(
+        directory.damagedSizes.empty() ? file : std::make_shared<MendedFile>(file, directory.damagedSizes));
     RootOpening opening{input.get(), nullptr};
     if (!openRootWithStack(opening, directory.farthest))
         return kStorageOutOfMemory;

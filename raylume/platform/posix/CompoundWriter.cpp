@@ -6,7 +6,6 @@
 
 #include <cerrno>
 #include <csignal>
-#include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <utility>
@@ -73,7 +72,7 @@ public:
         openNameless();
         if (!file_.isOpen())
             openNamed();
-        return file_.isOpen() ? takePermissions() : resultOfErrno(errno);
+        return file_.isOpen() ? takePermissions() : failure(errno);
     }
 
     int number() const { return file_.number(); }
@@ -82,7 +81,7 @@ public:
     {
         if (fsync(file_.number()) != 0 || (name_.empty() && !giveName()) ||
             rename(name_.c_str(), target_.c_str()) != 0)
-            return resultOfErrno(errno);
+            return failure(errno);
         name_.clear();
         // The rename is done; that it lasts is all that is left to ask for.
         const Descriptor folder(::open(folder_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
@@ -92,6 +91,12 @@ public:
     }
 
 private:
+    // The new file is not there anyway: what is missing is its folder.
+    static HResult failure(int error)
+    {
+        return error == ENOENT ? kStoragePathNotFound : resultOfErrno(error);
+    }
+
     // A file without a name leaves nothing behind when the process is killed. It gets its name by way
     // of the process's folder of open files.
     void openNameless()
@@ -150,29 +155,61 @@ private:
     std::string name_;
 };
 
-// What libgsf writes to; it keeps the first error, whatever libgsf makes of it.
-class Sink {
+// What libgsf writes to. It keeps the first error, since libgsf drops some, and gathers the many small
+// writes of tables and directories.
+class BufferedSink final : public FileSink {
 public:
-    explicit Sink(int number) : file_(fdopen(dup(number), "wb")) {}
-    Sink(const Sink&) = delete;
-    Sink& operator=(const Sink&) = delete;
-    ~Sink()
+    explicit BufferedSink(int number) : number_(number) {}
+
+    void write(std::uint64_t offset, const void* bytes, std::size_t count) override
     {
-        if (file_)
-            std::fclose(file_);
+        if (offset != start_ + buffer_.size() || buffer_.size() + count > kMost)
+            flush();
+        if (buffer_.empty())
+            start_ = offset;
+        if (count >= kMost)
+            writeOut(offset, static_cast<const char*>(bytes), count);
+        else
+            buffer_.append(static_cast<const char*>(bytes), count);
     }
 
-    std::FILE* file() const { return file_; }
+    bool failed() const override { return error_ != 0; }
 
     HResult finish()
     {
-        errno = 0;
-        const bool good = std::fflush(file_) == 0 && std::ferror(file_) == 0;
-        return good ? kStorageOk : kStorageWriteFault;
+        flush();
+        return error_ == 0 ? kStorageOk : resultOfErrno(error_);
     }
 
 private:
-    std::FILE* file_;
+    static constexpr std::size_t kMost = 65536;
+
+    void flush()
+    {
+        writeOut(start_, buffer_.data(), buffer_.size());
+        buffer_.clear();
+    }
+
+    void writeOut(std::uint64_t offset, const char* bytes, std::size_t count)
+    {
+        while (count > 0 && error_ == 0) {
+            const ssize_t written = pwrite(number_, bytes, count, static_cast<off_t>(offset));
+            if (written < 0 && errno == EINTR)
+                continue;
+            if (written <= 0) {
+                error_ = written < 0 ? errno : EIO;
+                return;
+            }
+            bytes += written;
+            offset += static_cast<std::uint64_t>(written);
+            count -= static_cast<std::size_t>(written);
+        }
+    }
+
+    int number_;
+    std::string buffer_;
+    std::uint64_t start_ = 0;
+    int error_ = 0;
 };
 
 // Whether a tree can be written at all, asked before anything is.
@@ -210,12 +247,13 @@ private:
 
 class GsfTreeWriter {
 public:
-    HResult write(Element& root, std::FILE* file, std::size_t sectorSize)
+    explicit GsfTreeWriter(FileSink& sink) : sink_(sink) {}
+
+    HResult write(Element& root, std::size_t sectorSize)
     {
-        prepareGsf();
-        const Object<GsfOutput> sink(gsf_output_stdio_new_FILE("", file, TRUE));
+        const Object<GsfOutput> output = makeGsfOutput(sink_);
         const Object<GsfOutfile> outfile(
-            gsf_outfile_msole_new_full(sink.get(), static_cast<guint>(sectorSize), 64));
+            gsf_outfile_msole_new_full(output.get(), static_cast<guint>(sectorSize), 64));
         const HResult result = fill(outfile.get(), root);
         // Closed in any case: libgsf complains of an end without.
         const bool closed = gsf_output_close(GSF_OUTPUT(outfile.get()));
@@ -261,12 +299,14 @@ private:
         return made;
     }
 
-    static HResult writeStream(GsfOutput* output, Element& stream)
+    HResult writeStream(GsfOutput* output, Element& stream) const
     {
-        return copyBytes(stream, [output](const void* piece, std::size_t count) {
-            return gsf_output_write(output, count, static_cast<const guint8*>(piece)) != FALSE;
+        return copyBytes(stream, [&](const void* piece, std::size_t count) {
+            return gsf_output_write(output, count, static_cast<const guint8*>(piece)) && !sink_.failed();
         });
     }
+
+    FileSink& sink_;
 };
 
 class FileWriter final : public TreeWriter {
@@ -289,14 +329,12 @@ public:
 private:
     HResult writeInto(NewFile& file, Element& root) const
     {
-        Sink sink(file.number());
-        if (!sink.file())
-            return resultOfErrno(errno);
-        HResult result = GsfTreeWriter().write(root, sink.file(), sectorSize_);
-        // libgsf drops some of its own failures; the file does not.
+        BufferedSink sink(file.number());
+        const HResult result = GsfTreeWriter(sink).write(root, sectorSize_);
+        // What the system said of the file tells more than what libgsf made of it.
         const HResult finished = sink.finish();
-        if (result >= 0)
-            result = finished;
+        if (finished < 0)
+            return finished;
         return result < 0 ? result : file.replaceTarget();
     }
 
