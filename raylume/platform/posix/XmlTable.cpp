@@ -40,17 +40,19 @@ constexpr int kMostNestedEntities = 1000;  // Each level takes stack.
 constexpr std::size_t kHeader = alignof(std::max_align_t);
 static_assert(kHeader >= sizeof(std::size_t));
 
+// The form of operator new that throws: a program that has its own one seldom has the others too.
 void* allocate(std::size_t size)
 {
     if (size > std::numeric_limits<std::size_t>::max() - kHeader) {
         return nullptr;
     }
-    void* const start = ::operator new(size + kHeader, std::nothrow);
-    if (!start) {
+    try {
+        void* const start = ::operator new(size + kHeader);
+        std::memcpy(start, &size, sizeof size);
+        return static_cast<char*>(start) + kHeader;
+    } catch (const std::bad_alloc&) {
         return nullptr;
     }
-    std::memcpy(start, &size, sizeof size);
-    return static_cast<char*>(start) + kHeader;
 }
 
 void release(void* block)
