@@ -208,6 +208,19 @@ TEST_F(Hostile, ADamagedStreamFailsAloneAndLeavesTheOthers)
     EXPECT_EQ(output.text(), "");
 }
 
+// The table of small sectors has numbers for more of them than the small stream has.
+TEST_F(Hostile, ASmallStreamBeyondTheSmallSectorsFailsAlone)
+{
+    RawCompoundFile raw(good());
+    raw.put32(raw.entry(u"Header") + 116, 40);
+    raw.put32(raw.sector(raw.get32(60)) + 4 * 40, 0xFFFFFFFE);
+    const Seen seen = see(raw.bytes);
+    ASSERT_RESULT(0, seen.opened);
+    EXPECT_RESULT(0x80030109, openingOf(folder / "damaged.doc", L"Header"));
+    EXPECT_TRUE(seen.bytes[1] == pattern(5000));
+    EXPECT_TRUE(seen.bytes[7] == pattern(70, 2));
+}
+
 TEST_F(Hostile, AnEmptyStreamMayHaveAnyFirstSector)
 {
     for (const std::uint32_t first : {0u, 1u, 0xFFFFFFFFu, 0xFFFFFFFEu, 0x12345678u}) {
