@@ -237,6 +237,23 @@ TEST_F(Bitmap, OfDeclaredAlphaKeepsItAsItStands)
     }
 }
 
+// Some programs write the alpha mask of a long header without saying that masks count.
+TEST_F(Bitmap, OfAnAlphaMaskAloneKeepsAlphaAsItStands)
+{
+    for (const std::uint32_t headerBytes : {56u, 108u, 124u}) {
+        BmpParts made = parts(32, [](int, int) { return 0x00123456u; });
+        made.headerBytes = headerBytes;
+        made.masks = {0, 0, 0, 0xFF000000};
+        EXPECT_EQ(decoded(bmp(made))->at(0, 0), (Pixel{0x56, 0x34, 0x12, 0})) << headerBytes;
+        made.masks = {0, 0, 0, 0x7F000000};
+        EXPECT_EQ(decoded(bmp(made))->at(0, 0), (Pixel{0x56, 0x34, 0x12, 255})) << headerBytes;
+    }
+    BmpParts sixteen = parts(16, [](int, int) { return 0u; });
+    sixteen.headerBytes = 108;
+    sixteen.masks = {0, 0, 0, 0xFF000000};
+    EXPECT_EQ(decoded(bmp(sixteen))->at(0, 0), grey(0));
+}
+
 TEST_F(Bitmap, OfUndeclaredAlphaTakesItWhereAnyPixelHasOne)
 {
     BmpParts made = parts(32, [&](int column, int row) { return wordAt(column, row) & 0xFFFFFF; });
@@ -721,6 +738,14 @@ TEST(TiffOfInks, MultipliesThem)
     EXPECT_EQ(image, (Image{1, 1, {{255, 255, 0, 255}}}));
 }
 
+TEST(TiffOfAKindThatIsNotRead, HasNoSizeEither)
+{
+    EXPECT_TRUE(opened(tiffOf(4, 4, {1, 1, 8, 1, 0, 0, -1, 0, false, false, 1})));
+    EXPECT_FALSE(opened(tiffOf(4, 4, {1, 1, 32, 1, 0, 0, -1, 0, false, false, 1})));
+    EXPECT_FALSE(opened(tiffOf(4, 4, {1, 1, 32, 1, 0, 0, -1, 0, false, false, 3})));
+    EXPECT_FALSE(opened(tiffOf(4, 4, {5, 4, 16, 1, 0, 0, -1, 0, false, false})));
+}
+
 TEST(TiffCutShort, IsNoPicture)
 {
     const std::string whole = tiffOf(21, 19, {2, 3, 8, 5, 4, 0, -1, 0, false, false});
@@ -765,6 +790,37 @@ TEST(Gif, GrowsToAFrameThatIsLargerThanItsScreen)
 {
     GifParts parts{2, 2, 1, 1, 3, 4, false, false, -1, 1};
     EXPECT_EQ(opened(gif(parts, gifIndex))->size(), (ImageSize{4, 5}));
+}
+
+// In place of the screen's and of the frame's sides as they stand in the file.
+std::string withGifSides(std::string file, int screen, int frame)
+{
+    const std::size_t descriptor = 13 + 3 * 256;
+    const std::string screenSide = bytes16(static_cast<std::uint32_t>(screen));
+    const std::string frameSide = bytes16(static_cast<std::uint32_t>(frame));
+    return file.replace(6, 4, screenSide + screenSide).replace(descriptor + 5, 4, frameSide + frameSide);
+}
+
+// Time goes by pixels, and rows beside the frame cost the file nothing.
+TEST(Gif, OfAFrameThatLeavesMuchOfItsScreenFreeIsLimited)
+{
+    const std::string plain = gif({1, 1, 0, 0, 1, 1, false, false, -1, 1}, gifIndex);
+    EXPECT_FALSE(opened(withGifSides(plain, 65535, 1)));
+    EXPECT_FALSE(opened(withGifSides(plain, 16385, 16384)));
+    EXPECT_TRUE(opened(withGifSides(plain, 16384, 1)));
+    EXPECT_TRUE(opened(withGifSides(plain, 65535, 65535)));
+    EXPECT_TRUE(opened(withGifSides(plain, 1, 65535)));
+    const std::string interlaced = gif({1, 1, 0, 0, 1, 1, true, false, -1, 1}, gifIndex);
+    EXPECT_TRUE(opened(withGifSides(interlaced, 16384, 16384)));
+    EXPECT_FALSE(opened(withGifSides(interlaced, 16385, 16385)));
+}
+
+TEST(Gif, ThatReachesBeyondTheLongestSideIsNoPicture)
+{
+    std::string file = gif({1, 1, 0, 0, 1, 1, false, false, -1, 1}, gifIndex);
+    const std::size_t descriptor = 13 + 3 * 256;
+    EXPECT_TRUE(opened(file.replace(descriptor + 1, 2, bytes16(65534))));
+    EXPECT_FALSE(opened(file.replace(descriptor + 1, 2, bytes16(65535))));
 }
 
 TEST(Gif, CutShortIsNoPicture)

@@ -428,6 +428,9 @@ void setTiffTags(TIFF* writer, int width, int height, const TiffKind& kind)
         const auto extra = static_cast<std::uint16_t>(kind.extraSamples);
         TIFFSetField(writer, TIFFTAG_EXTRASAMPLES, 1, &extra);
     }
+    if (kind.sampleFormat > 0) {
+        TIFFSetField(writer, TIFFTAG_SAMPLEFORMAT, kind.sampleFormat);
+    }
     if (kind.tile > 0) {
         TIFFSetField(writer, TIFFTAG_TILEWIDTH, kind.tile);
         TIFFSetField(writer, TIFFTAG_TILELENGTH, kind.tile);
@@ -455,8 +458,8 @@ std::string tiffSamples(const TiffKind& kind, int column, int row, int count, in
     for (int place = 0; place < count * samples; ++place) {
         const unsigned value = sample(column + place / samples, row, plane >= 0 ? plane : place % samples);
         const std::size_t bit = size(place) * size(kind.bits);
-        if (kind.bits == 16) {
-            std::copy_n(bytes16(value).data(), 2, bytes.data() + bit / 8);
+        if (kind.bits >= 16) {
+            std::copy_n(bytes32(value).data(), kind.bits / 8, bytes.data() + bit / 8);
         } else {
             bytes[bit / 8] = static_cast<char>(bytes[bit / 8] | value << (8 - size(kind.bits) - bit % 8));
         }

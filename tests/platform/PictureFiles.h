@@ -96,7 +96,7 @@ std::string jpeg(int width, int height, const JpegKind& kind,
 std::string jpegOfScans(int width, int height, int scans);
 
 struct TiffKind {
-    int photometric = 2;  ///< 0, 1 grey, 2 colour, 3 palette, 5 inks.
+    int photometric = 2;  ///< 0, 1 grey, 2 colour, 3 palette, 5 inks, 6 YCbCr, 8 CIELab.
     int samples = 3;
     int bits = 8;
     int compression = 1;
@@ -106,6 +106,7 @@ struct TiffKind {
     int orientation = 0;
     bool isPlanar = false;
     bool isBig = false;
+    int sampleFormat = 0;  ///< 1 without sign, 3 floating point; 0: no tag.
 };
 std::string tiff(int width, int height, const TiffKind& kind,
                  const std::function<unsigned(int column, int row, int sample)>& sample);

@@ -2,10 +2,12 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <climits>
+#include <cstdlib>
 #include <filesystem>
 #include <memory>
 #include <ostream>
@@ -183,6 +185,18 @@ TEST_F(ImageCodec, StoresFileSizesOnlyWhenBothAreWanted)
     delete[] pixels;
 }
 
+TEST_F(ImageCodec, PassesTheFlagOn)
+{
+    const Image image = scattered(8, 16);
+    Decoded decoded;
+    unsigned char* pixels = nullptr;
+    decoded.result = rlu_GetPictureFileData(write(pngOf(image)), decoded.width, decoded.height,
+                                            decoded.stride, &pixels, 1, 0, 0);
+    decoded.pixels.reset(pixels);
+    ASSERT_EQ(decoded.result, 1);
+    EXPECT_EQ(decoded.image(), turnedOver(image));
+}
+
 TEST_F(ImageCodec, LeavesEverythingAloneWhenThereIsNoPicture)
 {
     const std::string good = pngOf(scattered(9, 9));
@@ -197,6 +211,11 @@ TEST_F(ImageCodec, LeavesEverythingAloneWhenThereIsNoPicture)
         EXPECT_EQ(decoded.fileWidth, kUntouched);
         EXPECT_EQ(decoded.fileHeight, kUntouched);
     }
+    const auto noSample = [](int, int, int) { return 0u; };
+    const Decoded unread =
+        decode(write(tiff(9, 9, {1, 1, 32, 1, 0, 0, -1, 0, false, false, 3}, noSample)), 0);
+    EXPECT_EQ(unread.result, 0);
+    EXPECT_EQ(unread.fileWidth, kUntouched);
     const Decoded broken = decode(write(good.substr(0, good.size() / 2)), 0);
     EXPECT_EQ(broken.result, 0);
     EXPECT_EQ(broken.width, kUntouched);
@@ -322,6 +341,32 @@ TEST_F(SavedBitmaps, AreNamedThoughTheirFolderCannotBeMade)
     const ScopedVariable gone("temp", folder_ / "no/such");
     EXPECT_EQ(save(image_), folder_.wide() + L"/no/such\\rlx" + std::to_wstring(getpid()) + L"\\1.bmp");
     EXPECT_FALSE(fs::exists(folder_ / "no"));
+}
+
+// Past the limit the system would end the process instead of failing the call.
+TEST_F(SavedBitmaps, AreNamedThoughTheyCannotBeWritten)
+{
+    const auto saveUnderLimit = [&] {
+        const rlimit limit{100, 100};
+        const bool isLimited = setrlimit(RLIMIT_FSIZE, &limit) == 0;
+        const bool isNamed = save(image_) == text(L"1.bmp") && save(image_) == text(L"1.bmp");
+        std::_Exit(isLimited && isNamed && fs::is_empty(folder_ / process()) ? 0 : 1);
+    };
+    EXPECT_EXIT(saveUnderLimit(), testing::ExitedWithCode(0), "");
+}
+
+TEST_F(SavedBitmaps, AreNumberedWhateverTheVariableEndsIn)
+{
+    addEntry("7.bmp");
+    for (const char* const ending : {"/", "\\", "\\\\"}) {
+        const ScopedVariable temp("temp", temp_ + ending);
+        std::wstring path;
+        nextTempBitmapPath(path);
+        EXPECT_TRUE(path.ends_with(L"\\8.bmp")) << ending;
+    }
+    const ScopedVariable temp("temp", temp_ + "\\");
+    rlu_ClearTempBMPFiles();
+    EXPECT_FALSE(fs::exists(folder_ / process()));
 }
 
 TEST_F(SavedBitmaps, AreNowhereWithoutATemporaryFolder)
@@ -556,12 +601,12 @@ TEST_F(ProbeFolder, FindsFoldersAndPlainFiles)
     EXPECT_TRUE(probe(L"plain\\"));
     EXPECT_TRUE(probe(L"REAL"));
     EXPECT_FALSE(probe(L"missing"));
-    // No name is left to look for, but what stands there is a folder.
-    EXPECT_TRUE(probe(L"real\\\\"));
+    // No name is left to look for, whatever stands there.
+    EXPECT_FALSE(probe(L"real\\\\"));
     EXPECT_FALSE(probe(L"plain\\\\"));
     EXPECT_FALSE(probeFolder(L""));
     EXPECT_FALSE(probeFolder(L"\\"));
-    EXPECT_TRUE(probeFolder(L"/"));
+    EXPECT_FALSE(probeFolder(L"/"));
 }
 
 TEST_F(ProbeFolder, AsksTheCurrentFolderAboutTheBareName)
