@@ -86,6 +86,10 @@ function(raylume_add_test name)
         list(APPEND ARG_LIBRARIES raylume_platform)
     endif()
     target_link_libraries(${name} PRIVATE raylume_flags ${ARG_LIBRARIES} GTest::gmock_main)
+    if(RAYLUME_SANITIZE)
+        # Tables of tests take the optimiser longer than they take to run.
+        target_compile_options(${name} PRIVATE -O0)
+    endif()
     if(RAYLUME_DISCOVER_TESTS)
         gtest_discover_tests(${name} DISCOVERY_TIMEOUT 120
                              PROPERTIES LABELS "${ARG_LABEL}" TIMEOUT ${ARG_TIMEOUT})

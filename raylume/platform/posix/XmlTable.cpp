@@ -40,17 +40,19 @@ constexpr int kMostNestedEntities = 1000;  // Each level takes stack.
 constexpr std::size_t kHeader = alignof(std::max_align_t);
 static_assert(kHeader >= sizeof(std::size_t));
 
+// The form of operator new that throws: a program that has its own one seldom has the others too.
 void* allocate(std::size_t size)
 {
     if (size > std::numeric_limits<std::size_t>::max() - kHeader) {
         return nullptr;
     }
-    void* const start = ::operator new(size + kHeader, std::nothrow);
-    if (!start) {
+    try {
+        void* const start = ::operator new(size + kHeader);
+        std::memcpy(start, &size, sizeof size);
+        return static_cast<char*>(start) + kHeader;
+    } catch (const std::bad_alloc&) {
         return nullptr;
     }
-    std::memcpy(start, &size, sizeof size);
-    return static_cast<char*>(start) + kHeader;
 }
 
 void release(void* block)
@@ -250,7 +252,10 @@ private:
                                                int)
     {
         guarded(pass, [&](Pass& self) {
-            self.checkQualified(element);
+            // One text for all attributes of a list, of which there may be many.
+            if (std::exchange(self.declaredFor_, element) != element) {
+                self.checkQualified(element);
+            }
             self.checkQualified(attribute);
         });
     }
@@ -327,6 +332,7 @@ private:
     Parser parser_;
     XmlLoad load_;
     std::string unknownEncoding_;
+    const XML_Char* declaredFor_ = nullptr;
     std::uint64_t fed_ = 0;
     int nestedEntities_ = 0;
     bool ranOut_ = false;
