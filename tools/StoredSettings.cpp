@@ -40,6 +40,15 @@ std::string whyNothing(const std::string& document, const std::string& path)
            ": no settings: the document holds none, or is of a version whose settings are not read";
 }
 
+// Without the separator at its end.
+std::string shownPath(const std::wstring& folder)
+{
+    std::string path = platform::toUtf8(platform::fromUtf8(rlu_nativePath(folder)));
+    if (path.ends_with('/'))
+        path.pop_back();
+    return path;
+}
+
 // Asked only where the reading has asked too, since asking makes the folder.
 std::optional<ViewsFolder> viewsFolder(const RLData& data)
 {
@@ -48,7 +57,7 @@ std::optional<ViewsFolder> viewsFolder(const RLData& data)
         !rlu_getRLCustomViewsFolder(&folder))
         return std::nullopt;
     ViewsFolder views;
-    views.path = platform::toUtf8(platform::fromUtf8(rlu_nativePath(folder)));
+    views.path = shownPath(folder);
     for (const platform::FolderEntry& entry : platform::folderEntries(folder))
         if (entry.isRegularFile && !entry.name.starts_with(L'.'))
             views.files.push_back(platform::toUtf8(entry.name));
