@@ -67,6 +67,16 @@ void* operator new[](std::size_t size)
     return allocate(size);
 }
 
+// Sorting asks like this for room and does without it. The one of a sanitizer would not go with ours.
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept
+{
+    try {
+        return allocate(size);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
 void operator delete(void* block) noexcept
 {
     release(block);

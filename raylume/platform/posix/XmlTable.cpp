@@ -250,7 +250,10 @@ private:
                                                int)
     {
         guarded(pass, [&](Pass& self) {
-            self.checkQualified(element);
+            // One text for all attributes of a list, of which there may be many.
+            if (std::exchange(self.declaredFor_, element) != element) {
+                self.checkQualified(element);
+            }
             self.checkQualified(attribute);
         });
     }
@@ -327,6 +330,7 @@ private:
     Parser parser_;
     XmlLoad load_;
     std::string unknownEncoding_;
+    const XML_Char* declaredFor_ = nullptr;
     std::uint64_t fed_ = 0;
     int nestedEntities_ = 0;
     bool ranOut_ = false;
