@@ -282,7 +282,7 @@ private:
     {
         sayIfAny(notes.imagesMissing, "image", "not found; \"materials\" tells where they were looked for");
         sayIfAny(notes.imagesUnreadable, "image", "files that cannot be read as images");
-        sayIfAny(notes.imagesEmbedded, "image", "inside the document itself, where they cannot be reached");
+        sayIfAny(notes.imagesEmbedded, "image", "inside the document itself, neither PNG nor common JPEG");
         sayIfAny(notes.texturesWithoutPlace, "texture", "surfaces without texture coordinates");
         sayIfAny(notes.decalsWithoutPlace, "decal", "no placement that could be used");
         sayIfAny(notes.decalsBesideFaces, "decal", "beside their faces");
