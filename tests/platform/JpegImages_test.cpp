@@ -101,12 +101,28 @@ TEST(Jpeg, IsReducedByTheCodecWhereThatIsAllThatIsWanted)
     }
 }
 
+struct StripesCase {
+    const char* name;
+    bool areColumns;
+    ImageSize wanted;
+};
+
+// Of 5000 x 40 a quarter would be 1250 x 10.
+const StripesCase kStripes[] = {
+    {"both_sides_decide", true, {2048, 16}},
+    {"the_width_alone_decides", true, {2048, 8}},
+    {"the_height_alone_decides", false, {1200, 16}},
+};
+
+class StripedJpeg : public testing::TestWithParam<StripesCase> {};
+
 // Stripes of two pixels stay stripes at a half, and are one grey at a quarter.
-TEST(Jpeg, IsNeverReducedBelowWhatIsWanted)
+TEST_P(StripedJpeg, IsNeverReducedBelowWhatIsWanted)
 {
-    const std::string file = jpeg(5000, 40, {1, false, true, false, 100},
-                                  [](int column, int, int) { return column / 2 % 2 * 255u; });
-    const auto image = decodedTo(file, {2048, 16});
+    const std::string file = jpeg(5000, 40, {1, false, true, false, 100}, [](int column, int row, int) {
+        return (GetParam().areColumns ? column : row) / 2 % 2 * 255u;
+    });
+    const auto image = decodedTo(file, GetParam().wanted);
     ASSERT_TRUE(image);
     int lowest = 255, highest = 0;
     for (const Pixel& pixel : image->pixels) {
@@ -116,5 +132,8 @@ TEST(Jpeg, IsNeverReducedBelowWhatIsWanted)
     EXPECT_LT(lowest, 60);
     EXPECT_GT(highest, 195);
 }
+
+INSTANTIATE_TEST_SUITE_P(Rows, StripedJpeg, testing::ValuesIn(kStripes),
+                         [](const auto& row) { return row.param.name; });
 
 }  // namespace

@@ -117,7 +117,7 @@ TEST_F(BitmapNumbers, AreLookedForAgainWhenANameIsTaken)
     EXPECT_EQ(listings(), 2);
 }
 
-// A folder that does not count as one is not listed, so the numbering itself names what is there.
+// The highest number there can be is taken and stays the next one.
 TEST_F(BitmapNumbers, ThatCannotRiseAreWrittenOver)
 {
     machine().addFolder(L"C:\\t\\rlx1234");
