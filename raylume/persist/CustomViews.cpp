@@ -1,5 +1,6 @@
 // The views of the user, which travel inside a camera's stream as files.
 #include <algorithm>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -38,10 +39,24 @@ bool isFileName(const std::wstring& name)
            std::none_of(name.begin(), name.end(), isForbidden);
 }
 
-std::unique_ptr<platform::OutputFile> createView(const std::wstring& folder, const std::wstring& name)
-{
-    return isFileName(name) ? platform::OutputFile::create(folder + name) : nullptr;
-}
+// Where views go. A folder without a separator at its end is the beginning of their names.
+class Destination {
+public:
+    explicit Destination(const std::wstring& folder)
+        : start_(folder.substr(folder.find_last_of(L"\\/") + 1)),
+          folder_(platform::OutputFolder::open(folder.substr(0, folder.size() - start_.size())))
+    {
+    }
+
+    std::unique_ptr<platform::OutputFile> create(const std::wstring& name)
+    {
+        return folder_ && isFileName(name) ? folder_->create(start_ + name) : nullptr;
+    }
+
+private:
+    std::wstring start_;
+    std::unique_ptr<platform::OutputFolder> folder_;
+};
 
 // The length may be anything. What the stream lacks is left for setLength to fill, so that neither
 // memory nor disk is taken for bytes that are not there. Without a file the bytes are only consumed.
@@ -59,6 +74,16 @@ void unpackBytes(RLByteStream& stream, std::uint32_t length, platform::OutputFil
     }
     if (file)
         file->setLength(length);
+}
+
+void unpackView(RLByteStream& stream, Destination& views)
+{
+    std::string path;
+    std::uint32_t length = 0;
+    stream.read(path);
+    stream.read(length);
+    const auto file = views.create(nameOf(platform::widen(path)));
+    unpackBytes(stream, length, file.get());
 }
 
 // A file that has become shorter is filled up, so that the fields behind it stay where they belong.
@@ -100,18 +125,15 @@ void RLCameraData::readCustomViews(RLArchive& archive)
         return;
     std::int32_t count = 0;
     archive.archive->read(count);
+    Destination views(folder);
     for (std::int32_t i = 0; i < count; ++i)
-        readCustomView(archive, folder);
+        unpackView(*archive.archive, views);
 }
 
 void RLCameraData::readCustomView(RLArchive& archive, const std::wstring& folder)
 {
-    std::string path;
-    std::uint32_t length = 0;
-    archive.archive->read(path);
-    archive.archive->read(length);
-    const auto file = createView(folder, nameOf(platform::widen(path)));
-    unpackBytes(*archive.archive, length, file.get());
+    Destination views(folder);
+    unpackView(*archive.archive, views);
 }
 
 void RLCameraData::writeCustomViews(RLArchive& archive)

@@ -32,6 +32,27 @@ protected:
     OutputFile();
 };
 
+/// A folder that many files are written to. It is resolved once, and read at most once, whereas every
+/// OutputFile::create() of a new name may have to look through the whole folder.
+///
+/// What others make in it meanwhile is met by its exact name only.
+class PLATFORM_API OutputFolder {
+public:
+    /// Null when there is no such folder. An empty path is the current folder.
+    static std::unique_ptr<OutputFolder> open(const std::wstring& folder);
+
+    OutputFolder(const OutputFolder&) = delete;
+    OutputFolder& operator=(const OutputFolder&) = delete;
+    virtual ~OutputFolder();
+
+    /// As OutputFile::create() of that name in the folder. A name that is empty, "." or "..", or that has
+    /// a separator or a NUL, is none: null.
+    virtual std::unique_ptr<OutputFile> create(const std::wstring& name) = 0;
+
+protected:
+    OutputFolder();
+};
+
 /// The length in bytes of the regular file at a path, links followed; nothing for anything else.
 PLATFORM_API std::optional<std::uint64_t> fileLength(const std::wstring& path);
 

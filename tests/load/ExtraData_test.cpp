@@ -77,6 +77,24 @@ TEST_F(ExtraData, OfADocumentWithoutThirdPartiesIsNullAndRaisesNothing)
     }
 }
 
+TEST_F(ExtraData, OfASubStorageWithoutInterfaceIsNullAndCountsNothing)
+{
+    document.answers.givesInterface = false;
+    document.answers.second = &document.second;
+    for (const std::uint32_t attempt : {1u, 2u}) {
+        recorder().reset();
+        EXPECT_EQ(openAddinSubStorage(*session, L"Raylume", file, 0), nullptr) << attempt;
+        EXPECT_EQ(recorder().count("file.openSubStorage(ThirdPtyStore,0,0,0)"), 1u);
+        EXPECT_EQ(recorder().count("file.endOpen"), 1u);
+        EXPECT_EQ(lines().back(), "file.endOpen");
+        EXPECT_EQ(session->thirdPartyStorage, nullptr);
+        EXPECT_EQ(session->openStorageCount, 0);
+        EXPECT_EQ(document.second.references, 1u);
+    }
+    session.reset();
+    EXPECT_EQ(document.second.references, 0u);
+}
+
 TEST_F(ExtraData, WithoutTheStorageRaisesTheCodeOfTheOpen)
 {
     for (const HResult result : {kNotFound, kAccessDenied, static_cast<HResult>(0xFFFFFFFFu)}) {
@@ -225,6 +243,17 @@ TEST_P(ExtraDataVersion, HoldsForTheRemovalToo)
 
 INSTANTIATE_TEST_SUITE_P(Rows, ExtraDataVersion, testing::ValuesIn(kVersions),
                          [](const auto& row) { return std::string(row.param.name); });
+
+TEST_F(ExtraData, DoesNotLookAtWhatTheRestoresGive)
+{
+    registerFile();
+    recorder().answers.restoreResult = false;
+    EXPECT_EQ(openRaylumeStorage(*session, L"a.doc"), &document.raylume);
+    eraseShaderData(*session, L"a.doc");
+    EXPECT_EQ(recorder().count("iRestoreVersionHistory"), 2u);
+    EXPECT_EQ(recorder().count("iRestoreConfigManager"), 2u);
+    EXPECT_EQ(recorder().count("raylume.DestroyElement(ShaderData)"), 1u);
+}
 
 TEST_F(ExtraData, CatchesWhatTheRestoresAndTheOpenRaise)
 {

@@ -138,6 +138,7 @@ struct FileAnswers {
     unsigned long listVersion = 0;
     std::function<void()> onVersion = [] {};
     FakeStorage* thirdParty = nullptr;  ///< Null: the document has none.
+    bool givesInterface = true;         ///< Otherwise the sub-storage opens, but cannot be had.
     IUnknown* second = nullptr;
 };
 
@@ -161,6 +162,8 @@ public:
     IStorage* subStorageInterface() override
     {
         record("file.subStorageInterface");
+        if (!answers_.givesInterface)
+            return nullptr;
         ++answers_.thirdParty->references;
         return answers_.thirdParty;
     }

@@ -1,9 +1,12 @@
+#include <dirent.h>
+#include <dlfcn.h>
 #include <gmock/gmock.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <filesystem>
 #include <set>
 
@@ -12,6 +15,20 @@
 #include "tests/persist/StreamBuilder.h"
 #include "tests/persist/ViewsFolder.h"
 #include "tests/platform/ScopedCodePage.h"
+
+namespace {
+
+std::atomic<std::size_t> entriesRead = 0;
+
+}  // namespace
+
+// In the place of the system's, to count the entries of folders that the whole process looks at.
+extern "C" __attribute__((visibility("default"))) dirent* readdir(DIR* folder)
+{
+    static const auto real = reinterpret_cast<dirent* (*)(DIR*)>(dlsym(RTLD_NEXT, "readdir"));
+    ++entriesRead;
+    return real(folder);
+}
 
 namespace {
 
@@ -298,6 +315,36 @@ TEST_F(CustomViews, AlreadyUnpackedStayAfterAFailure)
     bytes.u32(2).raw(oneView("a.view", "A").get()).u8(5);
     EXPECT_EQ(causeOf([&] { unpack(bytes.get()); }), kEndOfFile);
     EXPECT_EQ(readFile(views / "a.view"), "A");
+}
+
+// Looking through the folder for each new name would be a look at nearly a million entries.
+TEST_F(CustomViews, OfAnyNumberTakeOneReadingOfTheirFolder)
+{
+    constexpr std::size_t kViews = 1000;
+    views.write("There.view", "old");
+    Bytes bytes;
+    bytes.u32(kViews + 1);
+    for (std::size_t i = 0; i < kViews; ++i)
+        bytes.raw(oneView("v" + std::to_string(i), "").get());
+    bytes.raw(oneView("tHERE.view", "new").get());
+    entriesRead = 0;
+    EXPECT_EQ(unpack(bytes.get() + "next"), "next");
+    EXPECT_GT(entriesRead, 0u);
+    EXPECT_LT(entriesRead, 100u);
+    EXPECT_EQ(names().size(), kViews + 1);
+    EXPECT_EQ(readFile(views / "There.view"), "new");
+}
+
+// A caller's folder may lack its separator, and is the beginning of the name then.
+TEST_F(CustomViews, GoWhereFolderAndNameTogetherSay)
+{
+    views.make();
+    Loading loading(oneView("C:\\a.view", "A").get());
+    RLCameraData().readCustomView(loading.archive(), views.text() + L"my ");
+    EXPECT_EQ(readFile(views / "my a.view"), "A");
+    Loading lost(oneView("C:\\a.view", "A").raw("next").get());
+    RLCameraData().readCustomView(lost.archive(), views.text() + L"missing\\");
+    EXPECT_EQ(lost.rest(), "next");
 }
 
 // --- packing

@@ -100,6 +100,16 @@ TEST_F(DocumentData, OfEveryVersionAreRead)
     }
 }
 
+TEST_F(DocumentData, DoNotDependOnWhatTheRestoresGive)
+{
+    registerFile();
+    recorder().answers.restoreResult = false;
+    const auto data = read();
+    ASSERT_NE(data, nullptr);
+    EXPECT_EQ(data->getStorageVersion(), 10u);
+    EXPECT_EQ(recorder().count("iRestoreConfigManager"), 1u);
+}
+
 TEST_F(DocumentData, OfADocumentThatDoesNotOpenAreNull)
 {
     recorder().answers.structuredStorageOpen = false;

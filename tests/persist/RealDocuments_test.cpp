@@ -128,6 +128,23 @@ TEST_F(RealDocuments, ThatAreCutShortRaiseEachTime)
     EXPECT_NE(read("a.doc"), nullptr);
 }
 
+// The allocation table has numbers for more sectors than the file has.
+TEST_F(RealDocuments, WhoseSectorsLieBeyondTheFileAreNull)
+{
+    put("a.doc", shaderdata::generatedSettings(10, 8, 4)->bytes(false));
+    ASSERT_NE(read("a.doc"), nullptr);
+    RawCompoundFile raw(readFile(folder / "a.doc"));
+    ASSERT_LT(raw.bytes.size(), 100u * raw.sectorSize());
+    const std::size_t size = raw.get32(raw.entry(u"ShaderData") + 120);
+    ASSERT_GE(size, 4096u);
+    const auto count = static_cast<std::uint32_t>((size + raw.sectorSize() - 1) / raw.sectorSize());
+    raw.put32(raw.tablePlace(raw.firstSector(u"ShaderData")), 100);
+    for (std::uint32_t i = 1; i < count; ++i)
+        raw.put32(raw.tablePlace(99 + i), i + 1 < count ? 100 + i : 0xFFFFFFFE);
+    folder.write("a.doc", raw.bytes);
+    EXPECT_EQ(read("a.doc"), nullptr);
+}
+
 TEST_F(RealDocuments, WithAnEmptyStreamAreDamaged)
 {
     put("a.doc", "");
@@ -182,7 +199,8 @@ TEST_F(RealDocuments, MadeFromJsonHaveItsValues)
 TEST_F(RealDocuments, MadeAsTheLibraryStoresThemDoNotReadBackWithACamera)
 {
     views.make();
-    put("a.doc", shaderdata::settingsFromJson(R"({"cameraData": {"focusDist": 5, "fStop": 6}})")->bytes(true));
+    put("a.doc",
+        shaderdata::settingsFromJson(R"({"cameraData": {"focusDist": 5, "fStop": 6}})")->bytes(true));
     const auto data = read("a.doc");
     ASSERT_TRUE(data != nullptr && data->hasCameraData());
     EXPECT_EQ(data->getCameraData()->getFocusDist(), 0);

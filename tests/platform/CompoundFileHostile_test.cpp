@@ -1,12 +1,15 @@
 // Damaged and lying files: a clear outcome, in bounded time and memory, and nothing printed.
 #include <gmock/gmock.h>
 
+#include <elf.h>
 #include <fcntl.h>
 #include <glib.h>
+#include <link.h>
 #include <unistd.h>
 
 #include <filesystem>
 #include <functional>
+#include <string_view>
 
 #include "CompoundFileTools.h"
 #include "TemporaryFolder.h"
@@ -81,6 +84,13 @@ protected:
 
     const TemporaryFolder folder;
 };
+
+// Whether a stream opens is another question than whether its bytes can be read.
+HResult openingOf(const std::string& file, const wchar_t* name)
+{
+    Stream stream;
+    return openFile(file)->OpenStream(name, kReading, stream.out());
+}
 
 // Standard error goes to a file while it lives.
 class CapturedOutput {
@@ -170,6 +180,12 @@ TEST_F(Hostile, ADamagedStreamFailsAloneAndLeavesTheOthers)
          [](auto& raw) {
              raw.put32(raw.tablePlace(raw.firstSector(u"Large") + 3), raw.firstSector(u"Large"));
          }},
+        {"runs beyond the file inside the table",
+         [](auto& raw) {
+             raw.put32(raw.tablePlace(raw.firstSector(u"Large") + 3), 100);
+             for (std::uint32_t sector = 100; sector < 106; ++sector)
+                 raw.put32(raw.tablePlace(sector), sector < 105 ? sector + 1 : 0xFFFFFFFE);
+         }},
         {"ends in a free sector",
          [](auto& raw) { raw.put32(raw.tablePlace(raw.firstSector(u"Large") + 9), 0xFFFFFFFF); }},
         {"shares the directory",
@@ -185,6 +201,7 @@ TEST_F(Hostile, ADamagedStreamFailsAloneAndLeavesTheOthers)
         EXPECT_RESULT(0, seen.results[0]) << damage.what;
         EXPECT_EQ(seen.bytes[0], "header bytes");
         EXPECT_RESULT(0x80030109, seen.results[1]) << damage.what;
+        EXPECT_RESULT(0x80030109, openingOf(folder / "damaged.doc", L"Large")) << damage.what;
         EXPECT_RESULT(0, seen.results[2]) << damage.what;
         EXPECT_TRUE(seen.bytes[7] == pattern(70, 2)) << damage.what;
     }
@@ -357,6 +374,39 @@ TEST_F(Hostile, TheLogWriterStaysTheHosts)
     EXPECT_EQ(written, 0);
     g_log_structured("host", G_LOG_LEVEL_WARNING, "MESSAGE", "a word of the host's");
     EXPECT_EQ(written, 1);
+}
+
+// The loader's flags of the platform library, when `found` is set.
+struct LoaderFlags {
+    bool found = false;
+    std::uint64_t flags = 0;
+};
+
+int readLoaderFlags(dl_phdr_info* library, std::size_t, void* result)
+{
+    if (!std::string_view(library->dlpi_name).ends_with("libraylume_platform.so.0"))
+        return 0;
+    auto& seen = *static_cast<LoaderFlags*>(result);
+    seen.found = true;
+    for (int i = 0; i < library->dlpi_phnum; ++i) {
+        if (library->dlpi_phdr[i].p_type != PT_DYNAMIC)
+            continue;
+        const auto* entry =
+            reinterpret_cast<const ElfW(Dyn)*>(library->dlpi_addr + library->dlpi_phdr[i].p_vaddr);
+        for (; entry->d_tag != DT_NULL; ++entry)
+            if (entry->d_tag == DT_FLAGS_1)
+                seen.flags = entry->d_un.d_val;
+    }
+    return 1;
+}
+
+// GLib keeps what it was told of types and handlers of messages for ever.
+TEST_F(Hostile, TheLibraryStaysInMemoryWhenAHostUnloadsIt)
+{
+    LoaderFlags seen;
+    dl_iterate_phdr(readLoaderFlags, &seen);
+    ASSERT_TRUE(seen.found);
+    EXPECT_NE(seen.flags & DF_1_NODELETE, 0u);
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 
 #include <filesystem>
 
+#include "raylume/platform/Text.h"
 #include "tests/platform/TemporaryFolder.h"
 
 namespace {
@@ -15,6 +16,7 @@ namespace {
 namespace fs = std::filesystem;
 using platform::fileLength;
 using platform::OutputFile;
+using platform::OutputFolder;
 
 class OutputFiles : public testing::Test {
 protected:
@@ -112,6 +114,80 @@ TEST_F(OutputFiles, AreNotReachedThroughALink)
     EXPECT_EQ(create(L"dangling"), nullptr);
     EXPECT_EQ(readFile(folder / "target"), "untouched");
     EXPECT_FALSE(fs::exists(folder / "new"));
+}
+
+// --- many in one folder
+
+class OutputFolders : public OutputFiles {
+protected:
+    std::unique_ptr<OutputFolder> open() const { return OutputFolder::open(folder.wide() + L"\\"); }
+};
+
+TEST_F(OutputFolders, MakeAndEmptyFiles)
+{
+    folder.write("old", "long content");
+    const auto target = open();
+    ASSERT_NE(target, nullptr);
+    ASSERT_NE(target->create(L"old"), nullptr);
+    const auto file = target->create(L"new");
+    ASSERT_NE(file, nullptr);
+    EXPECT_TRUE(file->write("abc", 3));
+    EXPECT_EQ(readFile(folder / "old"), "");
+    EXPECT_EQ(readFile(folder / "new"), "abc");
+}
+
+TEST_F(OutputFolders, FindFilesWithoutCaseThatWereThereOrThatTheyMade)
+{
+    folder.write("Old", "long content");
+    folder.write("OLD", "long content");
+    folder.write("exacT", "long content");
+    folder.write("Exact", "long content");
+    const auto target = open();
+    ASSERT_NE(target->create(L"old"), nullptr);
+    ASSERT_NE(target->create(L"exacT"), nullptr);
+    ASSERT_NE(target->create(L"New\u00C9"), nullptr);
+    const auto again = target->create(L"NEW\u00E9");
+    ASSERT_NE(again, nullptr);
+    EXPECT_TRUE(again->write("new", 3));
+    EXPECT_EQ(fs::file_size(folder / "OLD"), 0u);  // The first in byte order.
+    EXPECT_EQ(fs::file_size(folder / "Old"), 12u);
+    EXPECT_EQ(fs::file_size(folder / "exacT"), 0u);
+    EXPECT_EQ(fs::file_size(folder / "Exact"), 12u);
+    EXPECT_EQ(readFile(folder / "New\xC3\x89"), "new");
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder.path()), fs::directory_iterator()), 5);
+}
+
+TEST_F(OutputFolders, StayTheFolderThatWasOpened)
+{
+    folder.makeFolder("before");
+    const auto target = OutputFolder::open(folder.wide() + L"\\BEFORE");
+    ASSERT_NE(target, nullptr);
+    fs::rename(folder / "before", folder / "after");
+    EXPECT_NE(target->create(L"file"), nullptr);
+    EXPECT_TRUE(fs::exists(folder / "after/file"));
+}
+
+TEST_F(OutputFolders, MakeRegularFilesOfSingleNamesOnly)
+{
+    folder.makeFolder("folder");
+    folder.write("target", "untouched");
+    fs::create_symlink(folder / "target", folder / "link");
+    ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
+    const auto target = open();
+    for (const std::wstring& name :
+         {std::wstring(), std::wstring(L"."), std::wstring(L".."), std::wstring(L"folder/a"),
+          std::wstring(L"folder\\a"), std::wstring(L"a\0b", 3), std::wstring(L"folder"),
+          std::wstring(L"link"), std::wstring(L"LINK"), std::wstring(L"pipe"), std::wstring(300, L'n')})
+        EXPECT_EQ(target->create(name), nullptr) << platform::toUtf8(name);
+    EXPECT_EQ(readFile(folder / "target"), "untouched");
+    EXPECT_TRUE(fs::is_empty(folder / "folder"));
+}
+
+TEST_F(OutputFolders, AreFoldersOnly)
+{
+    folder.write("file", "");
+    EXPECT_EQ(OutputFolder::open(folder.wide() + L"\\file"), nullptr);
+    EXPECT_EQ(OutputFolder::open(folder.wide() + L"\\missing"), nullptr);
 }
 
 TEST_F(OutputFiles, HaveALengthWhenTheyAreRegular)

@@ -28,6 +28,7 @@ struct Answers {
     OVXDLReader_FileLoadResult result = OVXDLReader_Loaded;
     bool givesVersion = true;  ///< Otherwise the argument of ReadFile is left as it came.
     unsigned long version = 12000;
+    bool restoreResult = true;  ///< What both restores of a document give.
     OVDLPartDocument* partDocument = nullptr;
     OVDLAssemblyDocument* assemblyDocument = nullptr;
     std::map<std::wstring, uoTempAssemblySHDDataArray_c*> configurations;

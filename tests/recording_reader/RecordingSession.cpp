@@ -123,13 +123,13 @@ uoTempAssemblySHDDataArray_c* CDispListsDoc::getTempDispListDataSHDArrayForConfi
 bool CDispListsDoc::iRestoreVersionHistory(suFileStorage&)
 {
     record("iRestoreVersionHistory");
-    return true;
+    return Recorder::get().answers.restoreResult;
 }
 
 bool CDispListsDoc::iRestoreConfigManager(suFileStorage&)
 {
     record("iRestoreConfigManager");
-    return true;
+    return Recorder::get().answers.restoreResult;
 }
 
 OVDLOleDocumentContainer::OVDLOleDocumentContainer() = default;

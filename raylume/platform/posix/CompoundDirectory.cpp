@@ -85,15 +85,18 @@ std::wstring nameOf(const std::uint8_t* entry)
 class SectorTable {
 public:
     std::vector<std::uint32_t> next;
+    /// How many sectors there are: tables come in whole sectors and mostly have numbers for more.
+    std::uint64_t limit = 0;
 
-    /// Marks the sectors of a chain as taken and counts them. Nothing for a chain that leaves the table,
-    /// or that meets a sector taken before.
+    /// Marks the sectors of a chain as taken and counts them. Nothing for a chain that leaves the table
+    /// or the file, or that meets a sector taken before.
     std::optional<std::uint64_t> take(std::uint32_t first, std::vector<std::uint32_t>* sectors = nullptr)
     {
+        const std::uint64_t end = std::min<std::uint64_t>(next.size(), limit);
         taken_.resize(next.size());
         std::uint64_t count = 0;
         std::uint32_t sector = first;
-        for (; sector < next.size() && !taken_[sector]; sector = next[sector]) {
+        for (; sector < end && !taken_[sector]; sector = next[sector]) {
             taken_[sector] = true;
             ++count;
             if (sectors)
@@ -141,6 +144,7 @@ private:
         // The header takes a whole sector. Sector numbers stay below the marks in any file that has them.
         const std::uint64_t size = file_.size();
         sectors_ = size <= sectorSize() ? 0 : (size - 1) >> shift_;
+        table_.limit = sectors_;
         return sectors_ == 0 || sectors_ >= kFirstMark ? kStorageCorrupt : kStorageOk;
     }
 
@@ -205,6 +209,8 @@ private:
             return kStorageCorrupt;
         std::vector<std::uint32_t> smallSectors;
         const std::uint32_t small = get32(header_ + 60);
+        // The small stream may end inside its last sector, so that its size is looked at by itself.
+        smallTable_.limit = kFirstMark;
         // Some writers leave any number there when there are none.
         if (get32(header_ + 64) == 0 || small >= kFirstMark)
             return kStorageOk;

@@ -4,10 +4,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
-#include <cstdlib>
+#include <cstdint>
 #include <ctime>
+#include <iterator>
+#include <string>
 #include <utility>
 
 #include "raylume/platform/Text.h"
@@ -67,12 +70,19 @@ public:
             unlink(name_.c_str());
     }
 
+    // A new file gets what the process gives to new files. One that takes the place of another is
+    // nobody else's until it has that one's permissions.
     HResult open()
     {
-        openNameless();
+        struct stat old;
+        const bool replaces = stat(target_.c_str(), &old) == 0;
+        const mode_t mode = replaces ? 0600 : 0666;
+        openNameless(mode);
         if (!file_.isOpen())
-            openNamed();
-        return file_.isOpen() ? takePermissions() : failure(errno);
+            openNamed(mode);
+        if (!file_.isOpen())
+            return failure(errno);
+        return replaces ? takePermissions(old) : kStorageOk;
     }
 
     int number() const { return file_.number(); }
@@ -99,32 +109,36 @@ private:
 
     // A file without a name leaves nothing behind when the process is killed. It gets its name by way
     // of the process's folder of open files.
-    void openNameless()
+    void openNameless(mode_t mode)
     {
         if (access("/proc/self/fd", X_OK) == 0)
-            file_ = Descriptor(::open(folder_.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600));
+            file_ = Descriptor(::open(folder_.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, mode));
     }
 
-    void openNamed()
+    void openNamed(mode_t mode)
     {
-        std::string pattern = hiddenName();
-        file_ = Descriptor(mkostemp(pattern.data(), O_CLOEXEC));
-        if (file_.isOpen())
-            name_ = pattern;
+        constexpr int kFlags = O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC | O_NOFOLLOW;
+        takeFreeName([&](const char* name) {
+            file_ = Descriptor(::open(name, kFlags, mode));
+            return file_.isOpen();
+        });
     }
-
-    std::string hiddenName() const { return folder_ + "/.raylume-XXXXXX"; }
 
     bool giveName()
     {
         const std::string opened = "/proc/self/fd/" + std::to_string(file_.number());
+        return takeFreeName([&](const char* name) {
+            return linkat(AT_FDCWD, opened.c_str(), AT_FDCWD, name, AT_SYMLINK_FOLLOW) == 0;
+        });
+    }
+
+    // Tries hidden names until `take` gets one that nobody has.
+    template <class Take>
+    bool takeFreeName(Take take)
+    {
         for (int attempt = 0; attempt < 100; ++attempt) {
-            std::string name = hiddenName();
-            // Only the name is wanted, and that it was free a moment ago.
-            const Descriptor placeholder(mkostemp(name.data(), O_CLOEXEC));
-            if (!placeholder.isOpen() || unlink(name.c_str()) != 0)
-                return false;
-            if (linkat(AT_FDCWD, opened.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0) {
+            const std::string name = hiddenName();
+            if (take(name.c_str())) {
                 name_ = name;
                 return true;
             }
@@ -134,18 +148,22 @@ private:
         return false;
     }
 
-    // Those of the old file, or what a new file gets.
-    HResult takePermissions()
+    std::string hiddenName() const
     {
-        struct stat old;
-        if (stat(target_.c_str(), &old) != 0) {
-            const mode_t mask = umask(0);
-            umask(mask);
-            return fchmod(file_.number(), 0666 & ~mask) == 0 ? kStorageOk : resultOfErrno(errno);
-        }
+        static constexpr char kLetters[] = "abcdefghijklmnopqrstuvwxyz234567";
+        unsigned char random[12];
+        if (getentropy(random, sizeof(random)) != 0)
+            std::fill(std::begin(random), std::end(random), std::uint8_t{0});
+        std::string name = folder_ + "/.raylume-";
+        for (const unsigned char byte : random)
+            name += kLetters[byte % 32];
+        return name;
+    }
+
+    HResult takePermissions(const struct stat& old)
+    {
         // Only root may give files away; whoever else writes becomes the owner.
-        if (fchown(file_.number(), old.st_uid, old.st_gid) != 0) {
-        }
+        [[maybe_unused]] const int owned = fchown(file_.number(), old.st_uid, old.st_gid);
         return fchmod(file_.number(), old.st_mode & 07777) == 0 ? kStorageOk : resultOfErrno(errno);
     }
 
