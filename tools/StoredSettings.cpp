@@ -64,10 +64,21 @@ std::optional<ViewsFolder> viewsFolder(const RLData& data)
     return views;
 }
 
+// Damaged settings leave the document open in the process until it is asked for again.
+std::unique_ptr<RLData> readAndClose(const std::string& path)
+{
+    try {
+        return std::unique_ptr<RLData>(RLData::ReadRaylumeData(path.c_str()));
+    } catch (const platform::ArchiveError&) {
+        RLData::OVFileExists(path.c_str());
+        throw;
+    }
+}
+
 void read(const std::string& document, StoredSettings& settings)
 {
     const std::string path = platform::narrow(platform::fromUtf8(document));
-    settings.data.reset(RLData::ReadRaylumeData(path.c_str()));
+    settings.data = readAndClose(path);
     if (settings.data)
         settings.views = viewsFolder(*settings.data);
     else
