@@ -112,7 +112,7 @@ public:
             header = ovdl::readHeader(*root.get());
             open = true;
             ovdl::setLastReason("");
-        } else if (isCompoundFile(result, writable)) {
+        } else if (staysClosed(result, writable)) {
             ovdl::setLastReason(reasonOf(result));
         } else {
             open = ovdl::FormatRegistry::instance().canOpen(path);
@@ -125,13 +125,13 @@ public:
     bool open = false;
 
 private:
-    // Whether it stays closed. Anything else may be a document of a format that has no storages; a file
+    // Anything else may be a document of a format that has no storages; a file
     // that may not be written is not told apart from one of those.
-    static bool isCompoundFile(HResult failure, bool writable)
+    static bool staysClosed(HResult failure, bool writable)
     {
-        const bool another =
+        const bool maybeAnotherFormat =
             failure == kStorageExists || failure == kStorageNotFound || failure == kStoragePathNotFound;
-        return !another && (failure != kStorageAccessDenied || writable);
+        return !maybeAnotherFormat && (failure != kStorageAccessDenied || writable);
     }
 
     static const char* reasonOf(HResult failure)

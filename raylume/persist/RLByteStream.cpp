@@ -157,6 +157,11 @@ bool isUsualHead(const unsigned char* bytes)
            bytes[3] != kNoByteLength;
 }
 
+[[noreturn]] void fail(const RLByteStream& stream, ArchiveError::Cause cause)
+{
+    throw ArchiveError(cause, stream.fileName());
+}
+
 std::size_t unitCount(const std::wstring& text)
 {
     const auto pairs = std::count_if(text.begin(), text.end(),
@@ -187,11 +192,6 @@ RLByteStream::RLByteStream(RLByteSink& sink, std::wstring fileName)
 
 RLByteStream::~RLByteStream() = default;
 
-void RLByteStream::raise(int cause) const
-{
-    throw ArchiveError(static_cast<ArchiveError::Cause>(cause), fileName_);
-}
-
 void RLByteStream::close()
 {
     if (isStoring())
@@ -202,7 +202,7 @@ void RLByteStream::close()
 void RLByteStream::refill(std::size_t size)
 {
     if (isStoring())
-        raise(ArchiveError::kWriteOnly);
+        fail(*this, ArchiveError::kWriteOnly);
     unsigned char* const start = buffer_.get();
     std::size_t filled = static_cast<std::size_t>(readEnd_ - readAt_);
     std::memmove(start, readAt_, filled);
@@ -211,7 +211,7 @@ void RLByteStream::refill(std::size_t size)
     while (filled < size) {
         const std::size_t count = source_->read(start + filled, kBufferSize - filled);
         if (count == 0)
-            raise(ArchiveError::kEndOfFile);
+            fail(*this, ArchiveError::kEndOfFile);
         filled += count;
         readEnd_ = start + filled;
     }
@@ -220,7 +220,7 @@ void RLByteStream::refill(std::size_t size)
 void RLByteStream::flush()
 {
     if (isLoading())
-        raise(ArchiveError::kReadOnly);
+        fail(*this, ArchiveError::kReadOnly);
     const std::size_t size = static_cast<std::size_t>(writeAt_ - buffer_.get());
     writeAt_ = buffer_.get();
     if (size > 0)
@@ -231,7 +231,7 @@ void RLByteStream::flush()
 std::size_t RLByteStream::readRaw(void* bytes, std::size_t size)
 {
     if (isStoring())
-        raise(ArchiveError::kWriteOnly);
+        fail(*this, ArchiveError::kWriteOnly);
     unsigned char* const target = static_cast<unsigned char*>(bytes);
     std::size_t done = std::min(size, static_cast<std::size_t>(readEnd_ - readAt_));
     if (done > 0)
@@ -260,7 +260,7 @@ std::size_t RLByteStream::readRaw(void* bytes, std::size_t size)
 void RLByteStream::writeRaw(const void* bytes, std::size_t size)
 {
     if (isLoading())
-        raise(ArchiveError::kReadOnly);
+        fail(*this, ArchiveError::kReadOnly);
     const unsigned char* source = static_cast<const unsigned char*>(bytes);
     if (size >= kBufferSize) {
         const std::size_t whole = size / kBufferSize * kBufferSize;
@@ -370,7 +370,7 @@ void RLByteStream::readLongText(const StringHead& head, std::string& text)
         const std::size_t size = units * width;
         bytes.resize(bytes.size() + size);
         if (readRaw(bytes.data() + bytes.size() - size, size) < size)
-            raise(ArchiveError::kEndOfFile);
+            fail(*this, ArchiveError::kEndOfFile);
         left -= units;
     }
     text = textFrom(bytes.data(), static_cast<std::size_t>(head.length), head.isWide);
@@ -401,7 +401,7 @@ void RLByteStream::write(const std::string& text)
     const std::size_t length = std::min(text.find('\0'), text.size());
     if (!writePlainText(text.data(), length)) {
         if (isLoading())
-            raise(ArchiveError::kReadOnly);
+            fail(*this, ArchiveError::kReadOnly);
         writeUnits(platform::widen({text.data(), length}));
     }
 }

@@ -141,7 +141,6 @@ private:
     void readLongText(const StringHead& head, std::string& text);
     void writeUnits(const std::wstring& text);
     bool writePlainText(const char* text, std::size_t length);
-    [[noreturn]] void raise(int cause) const;
 
     const unsigned char* readAt_ = nullptr;
     const unsigned char* readEnd_ = nullptr;

@@ -49,7 +49,6 @@ public:
     float* getTranslation();
     const float* getTranslation() const;
     void setTranslation(const float* values);
-    /// Null counts as empty in all text setters.
     float getTarget() const;
     void setTarget(float value);
     float getFocalLength() const;
@@ -67,6 +66,7 @@ public:
     bool getRDOF() const;
     void setRDOF(bool value);
     std::string getPreviewRenderQuality() const;
+    /// Null counts as empty, here and in the other text setters.
     void setPreviewRenderQuality(const char* value);
     std::string getFullRenderQuality() const;
     void setFullRenderQuality(const char* value);

@@ -31,9 +31,9 @@ public:
     const float* getDiffuseColor() const;
     /// Copies 4 floats.
     void setDiffuseColor(const float* values);
+    std::string getMaskType() const;
     /// Null counts as empty, here and in the other text setters.
     void setMaskType(const char* value);
-    std::string getMaskType() const;
     std::string getMaskPTag() const;
     void setMaskPTag(const char* value);
     std::string getMaskName() const;

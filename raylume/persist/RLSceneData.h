@@ -21,8 +21,8 @@ public:
 
     void serialize(RLArchive& archive) override;
 
-    /// Null counts as empty in all text setters.
     std::string getEnvironmentImage() const;
+    /// Null counts as empty, here and in the other text setters.
     void setEnvironmentImage(const char* value);
     std::string getBackPlateImage() const;
     void setBackPlateImage(const char* value);

@@ -1,5 +1,6 @@
-// Storages and streams of a compound file, as interfaces with counted references. The names and the
-// order of the operations are the published ones; results are 32-bit, negative for a failure.
+// Storages and streams of a compound file, as interfaces with counted references. The names and results are
+// the published ones; the operations are those that documents need. Results are 32-bit, negative for a
+// failure.
 //
 // Ownership: whoever is given an interface releases it. All storages and streams that come from one
 //   openCompoundFile() or createCompoundFile() are views of one tree, which they keep alive: they may be

@@ -89,7 +89,8 @@ std::vector<ExportedSymbol> exportedSymbols(const std::string& file)
         if (!isExported(symbol))
             continue;
         const std::string mangled = elf.text(names.sh_offset + symbol.st_name);
-        found.push_back({mangled, sourceName(mangled), ELF64_ST_BIND(symbol.st_info) != STB_GLOBAL});
+        found.push_back({mangled, sourceName(mangled), ELF64_ST_BIND(symbol.st_info) != STB_GLOBAL,
+                         static_cast<std::size_t>(symbol.st_size)});
     }
     return found;
 }

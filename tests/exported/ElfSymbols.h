@@ -1,6 +1,7 @@
 // The dynamic symbol table of a shared library, read from its file.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -8,6 +9,7 @@ struct ExportedSymbol {
     std::string mangled;
     std::string name;  ///< As in the source.
     bool weak = false;
+    std::size_t size = 0;  ///< Of what it names, in bytes.
 };
 
 /// The symbols that the 64-bit ELF file defines for others. Raises std::runtime_error if the file is

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <atomic>
 #include <filesystem>
+#include <fstream>
 #include <set>
 
 #include "raylume/persist/RLCameraData.h"
@@ -268,9 +269,21 @@ TEST_F(CustomViews, CutShortFailWithTheNextField)
     EXPECT_EQ(fs::file_size(views / "a.view"), 10u);
 }
 
+// The most memory that the process ever had addresses for, touched or not.
+std::size_t mostKilobytes()
+{
+    std::ifstream status("/proc/self/status");
+    for (std::string word; status >> word;)
+        if (std::size_t kilobytes = 0; word == "VmPeak:" && status >> kilobytes)
+            return kilobytes;
+    return 0;
+}
+
 // 2 GB, not a negative number; and neither memory nor disk for what is not there.
 TEST_F(CustomViews, OfAHugeLengthAreSparse)
 {
+    const std::size_t before = mostKilobytes();
+    ASSERT_GT(before, 0u);
     for (const std::uint32_t length : {0x80000000u, 0xFF000000u}) {
         Bytes bytes;
         bytes.text("huge.view").u32(length).raw("abc");
@@ -280,6 +293,7 @@ TEST_F(CustomViews, OfAHugeLengthAreSparse)
         EXPECT_EQ(static_cast<std::uint64_t>(status.st_size), length);
         EXPECT_LT(status.st_blocks, 1000);
     }
+    EXPECT_LT(mostKilobytes(), before + 256 * 1024);
 }
 
 TEST_F(CustomViews, OfAHugeLengthStayWithinTheUsersLimit)

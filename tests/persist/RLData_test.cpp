@@ -80,6 +80,10 @@ TEST_F(Data, TakesOwnershipOfCameraAndScene)
     data.setSceneData(scene);
     data.setCameraData(new RLCameraData);  // The sanitizers see a leak if the old one stays.
     EXPECT_NE(data.getCameraData(), nullptr);
+    data.getSceneData()->setFloor("a text long enough to have memory of its own");
+    data.setSceneData(new RLSceneData);
+    ASSERT_NE(data.getSceneData(), nullptr);
+    EXPECT_EQ(data.getSceneData()->getFloor(), "ZX");
     data.setCameraData(nullptr);
     data.setSceneData(nullptr);
     EXPECT_FALSE(data.hasCameraData());

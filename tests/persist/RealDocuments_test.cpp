@@ -128,6 +128,49 @@ TEST_F(RealDocuments, ThatAreCutShortRaiseEachTime)
     EXPECT_NE(read("a.doc"), nullptr);
 }
 
+struct VersionsCase {
+    std::uint32_t document;
+    std::uint32_t displayList;
+    bool isRead;
+};
+
+const VersionsCase kVersions[] = {
+    {16000, 0, true},  {16001, 0, false},   {16001, 700, false},    {16000, 20000, true},
+    {629, 0, true},    {628, 0, false},     {628, 629, true},       {100, 629, true},
+    {100, 628, false}, {10000, 628, false}, {0xFFFFFFFF, 0, false},
+};
+
+TEST_F(RealDocuments, AreReadWithinARangeOfVersions)
+{
+    put("a.doc", sampleStream(10).get());
+    for (const VersionsCase& versions : kVersions) {
+        {
+            const Storage root = openFile(folder / "a.doc", true);
+            root->DestroyElement(L"Header");
+            compound_tests::put(*root.get(), L"Header",
+                                Bytes().u32(1).u32(versions.document).u32(versions.displayList).get());
+            ASSERT_RESULT(0, root->Commit(0));
+        }
+        EXPECT_EQ(read("a.doc") != nullptr, versions.isRead)
+            << versions.document << " " << versions.displayList;
+    }
+}
+
+TEST_F(RealDocuments, OfLargeSectorsAreRead)
+{
+    folder.write("a.doc", largeSectorFile());
+    const auto settings = shaderdata::generatedSettings(50, 8, 4);
+    for (const std::string& bytes : {sampleStream(10).get(), settings->bytes(false)}) {
+        put("a.doc", bytes);
+        ASSERT_EQ(RawCompoundFile(readFile(folder / "a.doc")).sectorSize(), 4096u);
+        const auto data = read("a.doc");
+        ASSERT_NE(data, nullptr);
+        EXPECT_TRUE(data->hasCameraData() && data->hasSceneData());
+        EXPECT_EQ(data->getStorageVersion(), 10u);
+    }
+    EXPECT_EQ(read("a.doc")->getMaskMaterials().size(), 50u);
+}
+
 // The allocation table has numbers for more sectors than the file has.
 TEST_F(RealDocuments, WhoseSectorsLieBeyondTheFileAreNull)
 {

@@ -33,6 +33,12 @@ static_assert(std::is_abstract_v<RLSerializable> && std::is_polymorphic_v<RLSeri
 static_assert(sizeof(RLSerializable) == sizeof(void*));
 static_assert(std::is_standard_layout_v<RLArchive>);
 
+// A host's own record, which is complete with the one operation.
+struct Only final : RLSerializable {
+    void serialize(RLArchive&) override {}
+};
+static_assert(!std::is_abstract_v<Only> && sizeof(Only) == sizeof(void*));
+
 template <class Record>
 class AnyRecord : public testing::Test {
 };

@@ -5,13 +5,18 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <memory>
 
 #include "CompoundFileTools.h"
+#include "ScopedEnvironment.h"
 #include "TemporaryFolder.h"
+#include "raylume/persist/RLData.h"
+#include "tests/persist/StreamBuilder.h"
 
 namespace {
 
 using namespace compound_tests;
+using persist_tests::sampleStream;
 using Json = nlohmann::json;
 
 const std::string kFolder = RAYLUME_COMPOUND_SAMPLES;
@@ -113,6 +118,24 @@ TEST(OtherPrograms, ReadTheirFilesAfterARewriteHere)
         ASSERT_EQ(seen.size(), wanted.size()) << file;
         for (const Json& element : wanted)
             EXPECT_NE(std::find(seen.begin(), seen.end(), element), seen.end()) << file << element;
+    }
+}
+
+TEST(OtherPrograms, WriteDocumentsWhoseSettingsAreRead)
+{
+    const TemporaryFolder folder;
+    const ScopedVariable data("XDG_DATA_HOME", folder.path());
+    std::string large = sampleStream(10).get();
+    large.append(9000, 'x');  // What follows the settings is nobody's.
+    for (const std::string& bytes : {sampleStream(10).get(), large}) {
+        const std::string file = folder.write("settings", bytes);
+        node("settings", file);
+        const std::unique_ptr<RLData> settings(RLData::ReadRaylumeData((file + ".cfb").c_str()));
+        ASSERT_NE(settings, nullptr);
+        EXPECT_EQ(settings->getStorageVersion(), 10u);
+        EXPECT_EQ(settings->getMaskMaterials().back().getMaterialName(), "material2");
+        ASSERT_TRUE(settings->hasSceneData());
+        EXPECT_EQ(settings->getSceneData()->getFloorType(), "reflect");
     }
 }
 

@@ -1,5 +1,6 @@
 // node cfb.js list FILE: the elements of a compound file as JSON: path, kind, size and a sum of the bytes.
 // node cfb.js make FOLDER: compound files of that package's own making.
+// node cfb.js settings FILE: FILE.cfb with the bytes of FILE as the add-in's settings.
 'use strict';
 const fs = require('fs');
 const path = require('path');
@@ -41,4 +42,12 @@ function make(folder) {
     CFB.writeFile(many, path.join(folder, 'many.cfb'));
 }
 
-({list, make})[process.argv[2]](process.argv[3]);
+// The bytes of a file as settings, in a document beside it.
+function settings(file) {
+    const document = CFB.utils.cfb_new();
+    CFB.utils.cfb_add(document, '/Contents', Buffer.alloc(9000, 'large'));
+    CFB.utils.cfb_add(document, '/ThirdPtyStore/Raylume/ShaderData', fs.readFileSync(file));
+    CFB.writeFile(document, file + '.cfb');
+}
+
+({list, make, settings})[process.argv[2]](process.argv[3]);
