@@ -86,8 +86,9 @@ function(raylume_add_test name)
         list(APPEND ARG_LIBRARIES raylume_platform)
     endif()
     target_link_libraries(${name} PRIVATE raylume_flags ${ARG_LIBRARIES} GTest::gmock_main)
-    if(RAYLUME_SANITIZE)
-        # Tables of tests take the optimiser longer than they take to run.
+    if(RAYLUME_SANITIZE OR CMAKE_BUILD_TYPE STREQUAL Release)
+        # What is tested is the library as it is built; tables of tests take the optimiser longer than
+        # they take to run.
         target_compile_options(${name} PRIVATE -O0)
     endif()
     if(RAYLUME_DISCOVER_TESTS)

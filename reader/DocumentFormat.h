@@ -68,6 +68,8 @@ public:
     virtual bool recognises(const std::wstring& path, std::string& reason) = 0;
     /// Reads the document. Never raises but std::bad_alloc.
     virtual ReadOutcome read(const std::wstring& path, ReadContext& context) = 0;
+    /// The bytes of an image that lies inside the document; empty when there is no such image.
+    virtual std::vector<unsigned char> image(const std::wstring& /*path*/, int /*index*/) { return {}; }
     /// Lets go of whatever recognises() kept for a read that never came.
     virtual void forgetProbes() {}
 };

@@ -24,7 +24,7 @@ struct ExportNotes {
     long long placementKeysLeftOut = 0;
     long long imagesMissing = 0;         ///< Left out: they are nowhere where the search looks.
     long long imagesUnreadable = 0;      ///< Left out: there is a file, but no image that can be read.
-    long long imagesEmbedded = 0;        ///< Left out: they lie in the document, out of the search's reach.
+    long long imagesEmbedded = 0;        ///< Left out: they lie in the document and are no PNG or JPEG.
     long long texturesWithoutPlace = 0;  ///< Left out: their surfaces have no texture coordinates.
     long long decalsWithoutPlace = 0;    ///< Left out: no mapping, or one without finite numbers.
     long long decalsBesideFaces = 0;     ///< Left out: the image lies beside its face.

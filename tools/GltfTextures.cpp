@@ -58,6 +58,12 @@ bool isFile(const std::wstring& name)
     return std::filesystem::is_regular_file(rlu_nativePath(name), failed);
 }
 
+std::optional<ImageBytes> contentOf(const std::wstring& path)
+{
+    const bool isInside = isEmbeddedImage(path) && !isFile(path);
+    return isInside ? embeddedImageForGltf(path) : imageForGltf(path);
+}
+
 }  // namespace
 
 bool GltfTextures::isTextured(const dlTexture& texture)
@@ -70,7 +76,8 @@ Json GltfTextures::ofAppearance(const dlTexture& texture)
     if (!isTextured(texture))
         return nullptr;
     const SearchedImage& image = images_.find(texture.filename, TextureImageAppearance);
-    const auto index = image.status == ImageStatus::kFound ? textureOf(image.path, kRepeat) : std::nullopt;
+    const std::wstring& place = image.status == ImageStatus::kEmbedded ? texture.filename : image.path;
+    const auto index = image.status == ImageStatus::kMissing ? std::nullopt : textureOf(place, kRepeat);
     if (!index) {
         countUnfit(image);
         return nullptr;
@@ -115,7 +122,7 @@ std::optional<int> GltfTextures::imageOf(const std::wstring& path)
         return std::nullopt;
     const auto [place, isNew] = imageIndices_.try_emplace(rlu_nativePath(path));
     if (isNew)
-        if (auto content = imageForGltf(path))
+        if (auto content = contentOf(path))
             place->second = file_.addImage(std::move(content->bytes), content->mediaType);
     return place->second;
 }

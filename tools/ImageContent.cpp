@@ -7,6 +7,7 @@
 
 #include "raylume/platform/Files.h"
 #include "raylume/services/ImageCodec.h"
+#include "reader/EmbeddedImages.h"
 
 namespace tool {
 namespace {
@@ -88,6 +89,15 @@ bool isCommonJpeg(const std::vector<unsigned char>& bytes)
     return components == 1 || components == 3;
 }
 
+std::optional<ImageBytes> asGltfHasThem(std::vector<unsigned char> bytes)
+{
+    if (isPng(bytes))
+        return ImageBytes{std::move(bytes), "image/png"};
+    if (isCommonJpeg(bytes))
+        return ImageBytes{std::move(bytes), "image/jpeg"};
+    return std::nullopt;
+}
+
 }  // namespace
 
 std::optional<ImageSize> imageSize(const std::wstring& path)
@@ -105,11 +115,14 @@ std::optional<ImageBytes> imageForGltf(const std::wstring& path)
     auto bytes = bytesOf(path);
     if (!bytes)
         return std::nullopt;
-    if (isPng(*bytes))
-        return ImageBytes{std::move(*bytes), "image/png"};
-    if (isCommonJpeg(*bytes))
-        return ImageBytes{std::move(*bytes), "image/jpeg"};
+    if (auto asItIs = asGltfHasThem(std::move(*bytes)))
+        return asItIs;
     return ImageBytes{encodePng(picture->pixels.get(), picture->width, picture->height), "image/png"};
+}
+
+std::optional<ImageBytes> embeddedImageForGltf(const std::wstring& name)
+{
+    return asGltfHasThem(ovdl::embeddedImage(name));
 }
 
 }  // namespace tool

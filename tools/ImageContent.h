@@ -25,6 +25,10 @@ struct ImageBytes {
 /// cannot read it, or the file has more than 1 GiB.
 std::optional<ImageBytes> imageForGltf(const std::wstring& path);
 
+/// An image inside a document ("<document>#image<n>"), if it is PNG, or JPEG as above. It is copied without
+/// being decoded.
+std::optional<ImageBytes> embeddedImageForGltf(const std::wstring& name);
+
 /// Blue, green, red, alpha for each pixel, rows from the top without gaps, as a PNG file. Raises
 /// std::runtime_error when the encoder fails.
 std::vector<unsigned char> encodePng(const unsigned char* pixels, int width, int height);

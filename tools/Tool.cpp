@@ -21,7 +21,9 @@
 #include "tools/Loading.h"
 #include "tools/MaterialsReport.h"
 #include "tools/OutputFile.h"
+#include "tools/ShaderDataReport.h"
 #include "tools/SideFile.h"
+#include "tools/StoredSettings.h"
 #include "tools/TemporaryBitmaps.h"
 #include "tools/TemporaryFolder.h"
 #include "tools/TreeReport.h"
@@ -61,6 +63,7 @@ public:
           tree_(addCommand("tree", "Component tree of a document.")),
           materials_(addCommand("materials", "Appearances of a document, and their textures.")),
           animation_(addCommand("animation", "Animation tracks of a document.")),
+          shaderData_(addCommand("shaderdata", "Render settings that are stored in a document.")),
           export_(addCommand("export", "Writes the loaded model as a binary glTF 2.0 file."))
     {
         app_.require_subcommand(1);
@@ -69,7 +72,7 @@ public:
                         "Loads that configuration of an assembly, where the document has it.")
             ->type_name("NAME");
         app_.add_flag("--keep", options_.keep, "Leaves temporary bitmaps where they are.");
-        for (CLI::App* command : {info_, tree_, materials_, animation_})
+        for (CLI::App* command : {info_, tree_, materials_, animation_, shaderData_})
             command->add_flag("--json", options_.json, "Writes JSON.");
         tree_->add_option("--depth", options_.depth, "Shows that many levels below the root.")
             ->type_name("N")
@@ -89,6 +92,7 @@ public:
     bool isTree() const { return tree_->parsed(); }
     bool isMaterials() const { return materials_->parsed(); }
     bool isAnimation() const { return animation_->parsed(); }
+    bool isShaderData() const { return shaderData_->parsed(); }
     bool isExport() const { return export_->parsed(); }
 
     CLI::App& app() { return app_; }
@@ -119,6 +123,7 @@ private:
     CLI::App* tree_;
     CLI::App* materials_;
     CLI::App* animation_;
+    CLI::App* shaderData_;
     CLI::App* export_;
 };
 
@@ -143,6 +148,8 @@ public:
 
     int run()
     {
+        if (line_.isShaderData())
+            return showSettings();
         interruption_.emplace();
         if (line_.isExport())
             refuseBadOutput();
@@ -165,6 +172,19 @@ public:
     }
 
 private:
+    // Without a model, and with the system's own way to end on an interrupt: nothing asks for cancelling
+    // while settings are read.
+    int showSettings()
+    {
+        const StoredSettings settings = readSettings(options_.document);
+        if (!settings.data) {
+            say(err_, settings.failure);
+            return kNoModel;
+        }
+        (options_.json ? writeShaderDataJson : writeShaderDataText)(*settings.data, settings.views, out_);
+        return finish();
+    }
+
     // Found out before a long load, not after it.
     void refuseBadOutput()
     {
@@ -262,7 +282,7 @@ private:
     {
         sayIfAny(notes.imagesMissing, "image", "not found; \"materials\" tells where they were looked for");
         sayIfAny(notes.imagesUnreadable, "image", "files that cannot be read as images");
-        sayIfAny(notes.imagesEmbedded, "image", "inside the document itself, where they cannot be reached");
+        sayIfAny(notes.imagesEmbedded, "image", "inside the document itself, neither PNG nor common JPEG");
         sayIfAny(notes.texturesWithoutPlace, "texture", "surfaces without texture coordinates");
         sayIfAny(notes.decalsWithoutPlace, "decal", "no placement that could be used");
         sayIfAny(notes.decalsBesideFaces, "decal", "beside their faces");

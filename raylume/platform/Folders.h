@@ -58,8 +58,9 @@ enum class SaveFile { kSaved, kNameTaken, kFailed };
 enum class IfTaken { kLeave, kReplace };
 
 /// Writes the pieces, one behind the other, as a file of such a folder, for its owner alone to read. It
-/// appears complete or not at all. After a success `state`, if given, gets the folder's state, if every
-/// later change will differ from it (the clock of a file system may stand still between two changes).
+/// appears complete or not at all. After a success `state`, if given, gets the folder's state, if the state
+/// will be another one after every change from then on (the clock of a file system may stand still between
+/// two changes). A change by somebody else while this call runs may be part of it.
 PLATFORM_API SaveFile saveInOwnFolder(const std::wstring& folder, const std::wstring& name,
                                       std::span<const std::span<const unsigned char>> pieces,
                                       IfTaken ifTaken, std::optional<FolderState>* state);

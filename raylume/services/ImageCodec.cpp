@@ -74,7 +74,6 @@ std::optional<CallerPixels> checked(int width, int height, int stride, const uns
     return CallerPixels{{width, height}, static_cast<std::size_t>(stride), pixels};
 }
 
-// The first row as given is the bottom row, and so the first one in the file.
 std::vector<unsigned char> withoutGaps(const CallerPixels& source)
 {
     const std::size_t rowBytes = kPixelBytes * static_cast<std::size_t>(source.size.width);
@@ -85,6 +84,7 @@ std::vector<unsigned char> withoutGaps(const CallerPixels& source)
     return packed;
 }
 
+// The first row as given is the bottom row, and so the first one in the file.
 void saveChecked(const CallerPixels& source, const platform::BmpHeader& header, std::wstring& path)
 {
     std::vector<unsigned char> packed;

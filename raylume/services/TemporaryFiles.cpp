@@ -119,9 +119,11 @@ Next saveUnderNumber(Next next, Pieces pieces, std::optional<Numbering>& last)
     auto ifTaken = IfTaken::kLeave;
     std::optional<platform::FolderState> state;
     SaveFile outcome;
-    while ((outcome = saveInOwnFolder(next.folder, next.name, pieces, ifTaken, &state)) ==
-               SaveFile::kNameTaken &&
-           ifTaken == IfTaken::kLeave) {
+    while (true) {
+        outcome = saveInOwnFolder(next.folder, next.name, pieces, ifTaken, &state);
+        if (outcome != SaveFile::kNameTaken || ifTaken == IfTaken::kReplace) {
+            break;
+        }
         Next other = nextBitmap(std::nullopt);
         ifTaken = other.path() == next.path() ? IfTaken::kReplace : IfTaken::kLeave;
         next = std::move(other);
@@ -163,10 +165,6 @@ bool probeFolder(const std::wstring& path)
     }
     const std::wstring trimmed = path.ends_with(L'\\') ? path.substr(0, path.size() - 1) : path;
     const auto names = platform::matchingNames(trimmed);
-    if (names.empty()) {
-        // The root of a file system has no name, but is a folder.
-        return platform::pathKind(trimmed) == platform::PathKind::kFolder;
-    }
     return std::any_of(names.begin(), names.end(), countsAsFolder);
 }
 

@@ -12,8 +12,10 @@ std::wstring getProcessTempFolder(bool perProcess);
 /// That folder with `fileName` appended; empty when there is no folder.
 std::wstring getTemporaryFilePath(const std::wstring& fileName, bool perProcess);
 
-/// Whether a path counts as a folder. An address on the web does. Anything else does when it exists, a
-/// plain file too, unless the current folder holds something of the same bare name that is no folder.
+/// Whether a path counts as a folder. An address on the web does. Anything else does when its last name,
+/// behind which one "\" may stand, exists, that of a plain file too, unless the current folder holds
+/// something of the same bare name that is no folder. So a path with no last name, such as a root, does
+/// not.
 bool probeFolder(const std::wstring& path);
 
 /// Stores the path for the next bitmap in the folder of this process, which is made if it is missing: named

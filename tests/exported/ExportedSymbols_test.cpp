@@ -54,7 +54,7 @@ bool isOfTheReaderInterface(const ExportedSymbol& symbol)
         "((uo|mo|mg|pw|ov|su)[A-Z][A-Za-z]*(_c)?|OVDL[A-Za-z_]*|CDispListsDoc|color)(::.*)?"
         "|(mg_[A-Za-z]+|restoreOleItems|SetOVDL_Callbacks)(\\[abi:cxx11\\])?\\(.*"
         "|operator[-*%]\\(mg.*"
-        "|ovdl::(setProgressHandler|setCancelHandler|lastReason|formatNames|prepareDocument"
+        "|ovdl::(setProgressHandler|setCancelHandler|lastReason|formatNames|embeddedImage|prepareDocument"
         "|forgetDocument)(\\[abi:cxx11\\])?\\(.*"
         "|((typeinfo|typeinfo name|vtable) for )?ovdl::PreparedDocument(::~?PreparedDocument\\(\\))?");
 }

@@ -9,6 +9,17 @@
 
 namespace memory_platform {
 
+namespace {
+
+void put(const std::wstring& path, platform::PathKind kind)
+{
+    const std::wstring tidy = tidyPath(path);
+    machine().entries[tidy] = kind;
+    ++machine().changes[tidyPath(tidy.substr(0, tidy.rfind(L'\\') + 1))];
+}
+
+}  // namespace
+
 Machine& machine()
 {
     static Machine instance;
@@ -17,7 +28,9 @@ Machine& machine()
 
 void reset()
 {
+    const std::uint64_t device = machine().device + 1;
     machine() = Machine();
+    machine().device = device;
 }
 
 std::wstring tidyPath(const std::wstring& path)
@@ -34,12 +47,12 @@ std::wstring tidyPath(const std::wstring& path)
 
 void Machine::addFolder(const std::wstring& path)
 {
-    entries[tidyPath(path)] = platform::PathKind::kFolder;
+    put(path, platform::PathKind::kFolder);
 }
 
 void Machine::addFile(const std::wstring& path)
 {
-    entries[tidyPath(path)] = platform::PathKind::kFile;
+    put(path, platform::PathKind::kFile);
 }
 
 }  // namespace memory_platform

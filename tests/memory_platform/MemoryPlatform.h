@@ -3,12 +3,15 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <deque>
 #include <map>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "raylume/platform/Files.h"
+#include "raylume/platform/Folders.h"
 #include "raylume/platform/UserSettings.h"
 #include "raylume/platform/posix/CompoundTree.h"
 
@@ -37,11 +40,20 @@ struct Machine {
     std::map<std::wstring, SettingValues> keys;
     /// The makeFolder() call, counted from 1, that fails with another error than "exists".
     int failingMake = 0;
+    /// Another one after each reset(), so that no state of a folder comes back.
+    std::uint64_t device = 0;
+    /// How many times something was put into a folder, by tidyPath().
+    std::map<std::wstring, int> changes;
+    /// What the next saves come to, one after the other; behind them they go by what is there.
+    std::deque<platform::SaveFile> saveOutcomes;
+    /// Whether a save tells the state that it leaves behind.
+    bool saveTellsState = true;
 
     // What was asked, in order and as it was written.
     std::vector<std::wstring> probes;
     std::vector<std::wstring> opens;
     std::vector<std::wstring> makes;
+    std::vector<std::wstring> listings;
     std::vector<std::size_t> executableBuffers;
     std::vector<std::wstring> keyOpens;
     std::vector<std::wstring> queries;

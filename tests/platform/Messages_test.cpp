@@ -1,8 +1,10 @@
 #include "raylume/platform/Messages.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -112,6 +114,23 @@ TEST_F(Messages, DebugOutputDoesNotWaitForAPipe)
     const ScopedVariable variable("RAYLUME_DEBUG_OUTPUT", folder / "pipe");
     platform::debugOutput(L"x\r\n");
     EXPECT_TRUE(std::filesystem::is_fifo(folder / "pipe"));
+}
+
+// Past the limit the system would end the process instead of failing the call.
+TEST_F(Messages, DebugOutputThatAFileMayNotHoldIsLost)
+{
+    const TemporaryFolder folder;
+    const ScopedVariable variable("RAYLUME_DEBUG_OUTPUT", folder / "log.txt");
+    const auto writeUnderLimit = [] {
+        const rlimit limit{10, 10};
+        setrlimit(RLIMIT_FSIZE, &limit);
+        for (const wchar_t* const text : {L"12345678", L"9abc", L"9a", L"b"}) {
+            platform::debugOutput(text);
+        }
+        std::_Exit(0);
+    };
+    EXPECT_EXIT(writeUnderLimit(), testing::ExitedWithCode(0), "");
+    EXPECT_EQ(readFile(folder / "log.txt"), "123456789a");
 }
 
 TEST_F(Messages, DebugOutputGoesToTheHandlerAlone)

@@ -268,6 +268,66 @@ std::string pngOf(const Image& image, bool isInterlaced)
                });
 }
 
+namespace {
+
+class PngWriter {
+public:
+    PngWriter(int width, int height, int colourType, int depth)
+    {
+        png_set_write_fn(writer_, &file_, appendPng, flushNothing);
+        png_set_IHDR(writer_, info_, static_cast<png_uint_32>(width), static_cast<png_uint_32>(height),
+                     depth, colourType, PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT,
+                     PNG_FILTER_TYPE_DEFAULT);
+    }
+    PngWriter(const PngWriter&) = delete;
+    PngWriter& operator=(const PngWriter&) = delete;
+    ~PngWriter() { png_destroy_write_struct(&writer_, &info_); }
+
+    void addText(std::string& text, bool isCompressed)
+    {
+        char key[] = "Comment";
+        png_text chunk{};
+        chunk.compression = isCompressed ? PNG_TEXT_COMPRESSION_zTXt : PNG_TEXT_COMPRESSION_NONE;
+        chunk.key = key;
+        chunk.text = text.data();
+        chunk.text_length = text.size();
+        png_set_text(writer_, info_, &chunk, 1);
+    }
+
+    std::string write(std::string row, int height)
+    {
+        png_write_info(writer_, info_);
+        for (int count = 0; count < height; ++count) {
+            png_write_row(writer_, reinterpret_cast<png_bytep>(row.data()));
+        }
+        png_write_end(writer_, nullptr);
+        return file_;
+    }
+
+private:
+    std::string file_;
+    png_structp writer_ = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
+    png_infop info_ = png_create_info_struct(writer_);
+};
+
+}  // namespace
+
+std::string pngWithTexts(int count, std::size_t length, bool areCompressed)
+{
+    PngWriter writer(1, 1, PNG_COLOR_TYPE_GRAY, 8);
+    std::string text(length, 'x');
+    for (int index = 0; index < count; ++index) {
+        writer.addText(text, areCompressed);
+    }
+    return writer.write("\x50", 1);
+}
+
+std::string blackPng(int width, int height)
+{
+    return PngWriter(width, height, PNG_COLOR_TYPE_GRAY, 1)
+        .write(std::string((size(width) + 7) / 8, '\0'), height);
+}
+
 // ------------------------------------------------------------------------------------- JPEG
 
 namespace {
@@ -341,10 +401,34 @@ std::string jpeg(int width, int height, const JpegKind& kind,
     if (kind.components == 4) {
         info.comp_info[3].h_samp_factor = info.comp_info[3].v_samp_factor = 1;
     }
+    info.arith_code = kind.isArithmetic ? TRUE : FALSE;
     if (kind.isProgressive) {
         jpeg_simple_progression(&info);
     }
     return writer.write(sample);
+}
+
+Image jpegReduced(const std::string& file, unsigned denominator)
+{
+    jpeg_decompress_struct info{};
+    jpeg_error_mgr errors{};
+    info.err = jpeg_std_error(&errors);
+    jpeg_create_decompress(&info);
+    jpeg_mem_src(&info, reinterpret_cast<const unsigned char*>(file.data()), file.size());
+    jpeg_read_header(&info, TRUE);
+    info.out_color_space = JCS_EXT_BGRA;
+    info.scale_num = 1;
+    info.scale_denom = denominator;
+    jpeg_start_decompress(&info);
+    Image image{static_cast<int>(info.output_width), static_cast<int>(info.output_height), {}};
+    image.pixels.resize(size(image.width) * size(image.height));
+    while (info.output_scanline < info.output_height) {
+        JSAMPROW row = image.pixels[info.output_scanline * size(image.width)].data();
+        jpeg_read_scanlines(&info, &row, 1);
+    }
+    jpeg_finish_decompress(&info);
+    jpeg_destroy_decompress(&info);
+    return image;
 }
 
 // The first scan has the mean of each block, the others the finer and finer rest, over and over.
@@ -428,6 +512,15 @@ void setTiffTags(TIFF* writer, int width, int height, const TiffKind& kind)
         const auto extra = static_cast<std::uint16_t>(kind.extraSamples);
         TIFFSetField(writer, TIFFTAG_EXTRASAMPLES, 1, &extra);
     }
+    if (kind.photometric == PHOTOMETRIC_YCBCR && kind.compression == COMPRESSION_JPEG) {
+        TIFFSetField(writer, TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB);
+        TIFFSetField(writer, TIFFTAG_JPEGQUALITY, 100);
+    } else if (kind.photometric == PHOTOMETRIC_YCBCR) {
+        TIFFSetField(writer, TIFFTAG_YCBCRSUBSAMPLING, 1, 1);
+    }
+    if (kind.sampleFormat > 0) {
+        TIFFSetField(writer, TIFFTAG_SAMPLEFORMAT, kind.sampleFormat);
+    }
     if (kind.tile > 0) {
         TIFFSetField(writer, TIFFTAG_TILEWIDTH, kind.tile);
         TIFFSetField(writer, TIFFTAG_TILELENGTH, kind.tile);
@@ -455,8 +548,8 @@ std::string tiffSamples(const TiffKind& kind, int column, int row, int count, in
     for (int place = 0; place < count * samples; ++place) {
         const unsigned value = sample(column + place / samples, row, plane >= 0 ? plane : place % samples);
         const std::size_t bit = size(place) * size(kind.bits);
-        if (kind.bits == 16) {
-            std::copy_n(bytes16(value).data(), 2, bytes.data() + bit / 8);
+        if (kind.bits >= 16) {
+            std::copy_n(bytes32(value).data(), kind.bits / 8, bytes.data() + bit / 8);
         } else {
             bytes[bit / 8] = static_cast<char>(bytes[bit / 8] | value << (8 - size(kind.bits) - bit % 8));
         }
@@ -514,6 +607,42 @@ std::string tiff(int width, int height, const TiffKind& kind,
     }
     TIFFClose(writer);
     return file.bytes;
+}
+
+std::string blackTiff(int width, int height)
+{
+    constexpr int kRows = 16;
+    MemoryTiff file;
+    TIFF* const writer = TIFFClientOpen("", "w", &file, readMemoryTiff, writeMemoryTiff, seekMemoryTiff,
+                                        closeMemoryTiff, sizeOfMemoryTiff, nullptr, nullptr);
+    setTiffTags(writer, width, height, {1, 1, 1, 1, kRows, 0, -1, 0, false, false});
+    std::string strip((size(width) + 7) / 8 * kRows, '\0');
+    for (int index = 0; index < height / kRows; ++index) {
+        TIFFWriteEncodedStrip(writer, static_cast<std::uint32_t>(index), strip.data(),
+                              static_cast<tmsize_t>(strip.size()));
+    }
+    TIFFClose(writer);
+    return file.bytes;
+}
+
+// Twelve bytes for each tag: number, kind (4: of 32 bits), count, value.
+std::string withTiffTag(std::string file, unsigned tag, std::uint32_t value)
+{
+    const auto number = [&](std::size_t at, int bytes) {
+        std::size_t sum = 0;
+        for (int index = 0; index < bytes; ++index) {
+            sum |= std::size_t{static_cast<unsigned char>(file[at + size(index)])} << 8 * index;
+        }
+        return sum;
+    };
+    const std::size_t directory = number(4, 4);
+    for (std::size_t entry = 0; entry < number(directory, 2); ++entry) {
+        const std::size_t at = directory + 2 + 12 * entry;
+        if (number(at, 2) == tag) {
+            return file.replace(at + 2, 10, bytes16(4) + bytes32(1) + bytes32(value));
+        }
+    }
+    throw std::invalid_argument("no such tag");
 }
 
 // ------------------------------------------------------------------------------------- GIF

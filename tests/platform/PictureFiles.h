@@ -39,7 +39,7 @@ std::string bytes32(std::uint32_t value);
 // ------------------------------------------------------------------------------------- bitmaps
 
 struct BmpParts {
-    std::uint32_t headerBytes = 40;  ///< 12, 16 to 64, 108 or 124.
+    std::uint32_t headerBytes = 40;  ///< 12, 16 to 64 (OS/2, but 40, 52 and 56), 108 or 124.
     int width = 0;
     int height = 0;  ///< Below 0: rows from the top.
     int bits = 24;
@@ -81,6 +81,10 @@ struct PngKind {
 std::string png(int width, int height, const PngKind& kind,
                 const std::function<unsigned(int column, int row, int channel)>& sample);
 std::string pngOf(const Image& image, bool isInterlaced = false);
+/// One pixel, and texts of so many times "x" in front of it, compressed or not.
+std::string pngWithTexts(int count, std::size_t length, bool areCompressed);
+/// Of one bit a pixel, all 0; made fast.
+std::string blackPng(int width, int height);
 
 struct JpegKind {
     int components = 3;  ///< 1 grey, 3 colour, 4 inks.
@@ -88,15 +92,18 @@ struct JpegKind {
     bool hasAdobeMarker = true;  ///< For inks: the bytes are what is left of the light.
     bool storesInksAsYcck = false;
     int quality = 100;
+    bool isArithmetic = false;
 };
 /// `sample` as the codec takes it: grey; red, green, blue; the four inks' bytes.
 std::string jpeg(int width, int height, const JpegKind& kind,
                  const std::function<unsigned(int column, int row, int channel)>& sample);
+/// What the codec itself makes of a file at one `denominator`th of its size.
+Image jpegReduced(const std::string& file, unsigned denominator);
 /// A progressive grey picture of one colour with that many scans.
 std::string jpegOfScans(int width, int height, int scans);
 
 struct TiffKind {
-    int photometric = 2;  ///< 0, 1 grey, 2 colour, 3 palette, 5 inks.
+    int photometric = 2;  ///< 0, 1 grey, 2 colour, 3 palette, 5 inks, 6 YCbCr, 8 CIELab.
     int samples = 3;
     int bits = 8;
     int compression = 1;
@@ -106,9 +113,15 @@ struct TiffKind {
     int orientation = 0;
     bool isPlanar = false;
     bool isBig = false;
+    int sampleFormat = 0;  ///< 1 without sign, 3 floating point; 0: no tag.
 };
 std::string tiff(int width, int height, const TiffKind& kind,
                  const std::function<unsigned(int column, int row, int sample)>& sample);
+
+/// Of one bit a pixel, all 0, in strips of 16 rows without compression; made fast.
+std::string blackTiff(int width, int height);
+/// A little-endian file with the one value of a tag in its first page put to another.
+std::string withTiffTag(std::string file, unsigned tag, std::uint32_t value);
 
 struct GifParts {
     int screenWidth = 0;

@@ -2,10 +2,13 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <climits>
+#include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <memory>
 #include <ostream>
@@ -95,8 +98,8 @@ const SizeCase kSizes[] = {
     {"wide", 4096, 1024, 2048, 512, 2048, 512},
     {"tall", 1024, 4096, 512, 2048, 512, 2048},
     {"both_beyond", 3000, 3000, 2048, 2048, 2048, 2048},
-    {"both_beyond_wide", 4000, 3000, 2048, 1536, 2048, 2048},
-    {"both_beyond_tall", 3000, 4000, 1536, 2048, 2048, 2048},
+    {"both_beyond_wide", 2500, 2100, 2048, 1720, 2048, 2048},
+    {"both_beyond_tall", 2100, 2500, 1720, 2048, 2048, 2048},
     {"lying", 2176, 1581, 2048, 1487, 2048, 1024},
     {"standing", 1581, 2176, 1488, 2048, 1024, 2048},
     {"just_beyond", 2049, 2048, 2048, 2047, 2048, 2048},
@@ -183,6 +186,18 @@ TEST_F(ImageCodec, StoresFileSizesOnlyWhenBothAreWanted)
     delete[] pixels;
 }
 
+TEST_F(ImageCodec, PassesTheFlagOn)
+{
+    const Image image = scattered(8, 16);
+    Decoded decoded;
+    unsigned char* pixels = nullptr;
+    decoded.result = rlu_GetPictureFileData(write(pngOf(image)), decoded.width, decoded.height,
+                                            decoded.stride, &pixels, 1, 0, 0);
+    decoded.pixels.reset(pixels);
+    ASSERT_EQ(decoded.result, 1);
+    EXPECT_EQ(decoded.image(), turnedOver(image));
+}
+
 TEST_F(ImageCodec, LeavesEverythingAloneWhenThereIsNoPicture)
 {
     const std::string good = pngOf(scattered(9, 9));
@@ -197,6 +212,11 @@ TEST_F(ImageCodec, LeavesEverythingAloneWhenThereIsNoPicture)
         EXPECT_EQ(decoded.fileWidth, kUntouched);
         EXPECT_EQ(decoded.fileHeight, kUntouched);
     }
+    const auto noSample = [](int, int, int) { return 0u; };
+    const Decoded unread =
+        decode(write(tiff(9, 9, {1, 1, 32, 1, 0, 0, -1, 0, false, false, 3}, noSample)), 0);
+    EXPECT_EQ(unread.result, 0);
+    EXPECT_EQ(unread.fileWidth, kUntouched);
     const Decoded broken = decode(write(good.substr(0, good.size() / 2)), 0);
     EXPECT_EQ(broken.result, 0);
     EXPECT_EQ(broken.width, kUntouched);
@@ -288,6 +308,32 @@ TEST_F(SavedBitmaps, AreTheBytesOfTheBufferBehindTheirHeader)
               bytes32(0xFF0000) + bytes32(0xFF00) + bytes32(0xFF) + bytes32(0xFF000000));
 }
 
+// What a program prints, with its newline.
+std::string outputOf(const std::string& command)
+{
+    std::string output;
+    std::FILE* const pipe = popen(command.c_str(), "r");
+    for (int byte; pipe && (byte = std::fgetc(pipe)) != EOF;) {
+        output += static_cast<char>(byte);
+    }
+    return pipe && pclose(pipe) == 0 ? output : "";
+}
+
+TEST_F(SavedBitmaps, AreReadByAnotherProgramWithTheirAlpha)
+{
+    save(image_);
+    const std::string program =
+        "import sys; from PIL import Image; image = Image.open(sys.argv[1]); "
+        "print(image.mode, *image.size, *image.tobytes())";
+    std::string wanted = "RGBA 6 4";
+    for (const Pixel& pixel : turnedOver(image_).pixels) {
+        for (const int channel : {2, 1, 0, 3}) {
+            wanted += " " + std::to_string(pixel[static_cast<std::size_t>(channel)]);
+        }
+    }
+    EXPECT_EQ(outputOf(RAYLUME_PYTHON " -c \"" + program + "\" '" + native("1.bmp") + "'"), wanted + "\n");
+}
+
 TEST_F(SavedBitmaps, LeaveGapsBehindRowsOut)
 {
     std::vector<unsigned char> buffer(2 * 32, 0xEE);
@@ -322,6 +368,32 @@ TEST_F(SavedBitmaps, AreNamedThoughTheirFolderCannotBeMade)
     const ScopedVariable gone("temp", folder_ / "no/such");
     EXPECT_EQ(save(image_), folder_.wide() + L"/no/such\\rlx" + std::to_wstring(getpid()) + L"\\1.bmp");
     EXPECT_FALSE(fs::exists(folder_ / "no"));
+}
+
+// Past the limit the system would end the process instead of failing the call.
+TEST_F(SavedBitmaps, AreNamedThoughTheyCannotBeWritten)
+{
+    const auto saveUnderLimit = [&] {
+        const rlimit limit{100, 100};
+        const bool isLimited = setrlimit(RLIMIT_FSIZE, &limit) == 0;
+        const bool isNamed = save(image_) == text(L"1.bmp") && save(image_) == text(L"1.bmp");
+        std::_Exit(isLimited && isNamed && fs::is_empty(folder_ / process()) ? 0 : 1);
+    };
+    EXPECT_EXIT(saveUnderLimit(), testing::ExitedWithCode(0), "");
+}
+
+TEST_F(SavedBitmaps, AreNumberedWhateverTheVariableEndsIn)
+{
+    addEntry("7.bmp");
+    for (const char* const ending : {"/", "\\", "\\\\"}) {
+        const ScopedVariable temp("temp", temp_ + ending);
+        std::wstring path;
+        nextTempBitmapPath(path);
+        EXPECT_TRUE(path.ends_with(L"\\8.bmp")) << ending;
+    }
+    const ScopedVariable temp("temp", temp_ + "\\");
+    rlu_ClearTempBMPFiles();
+    EXPECT_FALSE(fs::exists(folder_ / process()));
 }
 
 TEST_F(SavedBitmaps, AreNowhereWithoutATemporaryFolder)
@@ -556,12 +628,12 @@ TEST_F(ProbeFolder, FindsFoldersAndPlainFiles)
     EXPECT_TRUE(probe(L"plain\\"));
     EXPECT_TRUE(probe(L"REAL"));
     EXPECT_FALSE(probe(L"missing"));
-    // No name is left to look for, but what stands there is a folder.
-    EXPECT_TRUE(probe(L"real\\\\"));
+    // No name is left to look for, whatever stands there.
+    EXPECT_FALSE(probe(L"real\\\\"));
     EXPECT_FALSE(probe(L"plain\\\\"));
     EXPECT_FALSE(probeFolder(L""));
     EXPECT_FALSE(probeFolder(L"\\"));
-    EXPECT_TRUE(probeFolder(L"/"));
+    EXPECT_FALSE(probeFolder(L"/"));
 }
 
 TEST_F(ProbeFolder, AsksTheCurrentFolderAboutTheBareName)

@@ -144,7 +144,7 @@ TEST(Info, TellsAboutAnArrayThatContradictsItself)
 TEST(OtherCommands, SayNothingOnStandardOutputWithoutAModel)
 {
     const Folder folder;
-    for (const char* command : {"tree", "materials"}) {
+    for (const char* command : {"tree", "materials", "animation", "shaderdata"}) {
         for (const bool asJson : {false, true}) {
             std::vector<std::string> arguments = {command, "/prepared/nothing"};
             if (asJson)
@@ -190,6 +190,28 @@ TEST(MaterialsCommand, ShowsAppearances)
     const json result = json::parse(run({"materials", document.path(), "--json"}).out);
     EXPECT_EQ(result["materials"][0]["color"], "#ff8000");
     EXPECT_EQ(result["materials"][0]["uses"]["instance"], 1);
+}
+
+TEST(ShaderData, IsMissingFromDocumentsWithoutStorages)
+{
+    const Prepared document("/prepared/box.asm", fillAssembly);
+    const Said said = run({"shaderdata", document.path()});
+    EXPECT_EQ(said.status, 1);
+    EXPECT_EQ(said.out, "");
+    EXPECT_EQ(
+        said.err,
+        "raylume-dl: /prepared/box.asm: no settings: the document holds none, or is of a version whose "
+        "settings are not read\n");
+}
+
+TEST(ShaderData, OfAPathThatTheCodePageLacksIsAFailure)
+{
+    const int before = platform::ansiCodePage();
+    ASSERT_TRUE(platform::setAnsiCodePage(1252));
+    const Said said = run({"shaderdata", "/prepared/\xE6\x97\xA5.asm"});
+    platform::setAnsiCodePage(before);
+    EXPECT_EQ(said.status, 1);
+    EXPECT_THAT(said.err, HasSubstr("(its path has characters that the ANSI code page lacks)"));
 }
 
 // ------------------------------------------------------------------------------- temporary bitmaps
@@ -509,7 +531,8 @@ TEST(Help, GoesToStandardOutput)
         EXPECT_THAT(said.out, HasSubstr("Usage: raylume-dl"));
     }
     const std::string help = run({"--help"}).out;
-    for (const char* word : {"info", "tree", "materials", "export", "--configuration", "--version"})
+    for (const char* word :
+         {"info", "tree", "materials", "animation", "shaderdata", "export", "--configuration", "--version"})
         EXPECT_THAT(help, HasSubstr(word));
 }
 

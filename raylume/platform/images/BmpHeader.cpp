@@ -130,7 +130,14 @@ bool setPacking(const Fields& fields, BmpLayout& layout)
     }
 }
 
-// Masks count only where the compression says so, whatever the longer headers hold.
+// Masks count only where the compression says so, whatever the longer headers hold; but there are programs
+// that declare alpha by its mask alone.
+bool declaresAlphaOnly(const Fields& fields, const BmpLayout& layout)
+{
+    constexpr std::uint32_t kFourthByte = 0xFF000000;
+    return fields.compression == kRgb && layout.bits == 32 && fields.masks[3] == kFourthByte;
+}
+
 void setChannels(const Fields& fields, BmpLayout& layout)
 {
     if (fields.compression == kBitFields || fields.compression == kAlphaBitFields) {
@@ -146,6 +153,9 @@ void setChannels(const Fields& fields, BmpLayout& layout)
         layout.red.mask = 0xFF0000;
         layout.green.mask = 0x00FF00;
         layout.blue.mask = 0x0000FF;
+    }
+    if (declaresAlphaOnly(fields, layout)) {
+        layout.alpha.mask = fields.masks[3];
     }
 }
 

@@ -1,6 +1,5 @@
 #include "raylume/platform/Files.h"
 
-#include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -10,40 +9,11 @@
 #include <utility>
 
 #include "raylume/platform/Paths.h"
+#include "raylume/platform/posix/Handles.h"
 
 namespace platform {
 
 namespace {
-
-class FileHandle {
-public:
-    explicit FileHandle(int number) : number_(number) {}
-    FileHandle(FileHandle&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
-    FileHandle& operator=(FileHandle&&) = delete;
-    ~FileHandle()
-    {
-        if (number_ >= 0) {
-            close(number_);
-        }
-    }
-
-    int number() const { return number_; }
-    bool isOpen() const { return number_ >= 0; }
-
-private:
-    int number_;
-};
-
-// Without O_NONBLOCK the open itself would wait for the other end of a pipe.
-FileHandle openRegular(const std::wstring& path, struct stat& status)
-{
-    const std::string native = nativePath(path);
-    FileHandle file(open(native.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
-    if (file.isOpen() && (fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode))) {
-        return FileHandle(-1);
-    }
-    return file;
-}
 
 class PosixInputFile final : public InputFile {
 public:
@@ -106,7 +76,7 @@ InputFile::~InputFile() = default;
 std::unique_ptr<InputFile> InputFile::open(const std::wstring& path)
 {
     struct stat status;
-    FileHandle file = openRegular(path, status);
+    FileHandle file = openRegular(nativePath(path), status);
     return file.isOpen() ? std::make_unique<PosixInputFile>(std::move(file)) : nullptr;
 }
 
@@ -124,7 +94,7 @@ MappedFile::~MappedFile()
 std::unique_ptr<MappedFile> MappedFile::open(const std::wstring& path)
 {
     struct stat status;
-    const FileHandle file = openRegular(path, status);
+    const FileHandle file = openRegular(nativePath(path), status);
     if (!file.isOpen()) {
         return nullptr;
     }

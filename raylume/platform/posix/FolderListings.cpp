@@ -1,11 +1,10 @@
 #include "raylume/platform/posix/FolderListings.h"
 
-#include <dirent.h>
-
 #include <string_view>
 #include <utility>
 
 #include "raylume/platform/Text.h"
+#include "raylume/platform/posix/Handles.h"
 
 namespace platform {
 
@@ -16,11 +15,6 @@ constexpr std::time_t kSettledAfter = 2;
 constexpr std::size_t kMostListings = 128;
 // Of an entry in the table of names, besides its characters.
 constexpr std::size_t kEntryBytes = 128;
-
-struct CloseFolder {
-    void operator()(DIR* folder) const { closedir(folder); }
-};
-using OpenFolder = std::unique_ptr<DIR, CloseFolder>;
 
 std::string lowerName(std::string_view name)
 {

@@ -1,6 +1,5 @@
 #include "raylume/platform/Folders.h"
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -11,16 +10,12 @@
 
 #include "raylume/platform/Paths.h"
 #include "raylume/platform/Text.h"
+#include "raylume/platform/posix/Handles.h"
 #include "raylume/platform/posix/NamePattern.h"
 
 namespace platform {
 
 namespace {
-
-struct CloseFolder {
-    void operator()(DIR* folder) const { closedir(folder); }
-};
-using Listing = std::unique_ptr<DIR, CloseFolder>;
 
 std::vector<std::string> sortedNames(DIR* listing)
 {
@@ -34,8 +29,6 @@ std::vector<std::string> sortedNames(DIR* listing)
     std::sort(names.begin(), names.end());
     return names;
 }
-
-constexpr std::wstring_view kSeparators = L"\\/";
 
 std::string nativeLastName(const std::string& native)
 {
@@ -55,7 +48,7 @@ std::vector<std::wstring> nameAt(const std::wstring& path)
 std::vector<std::wstring> namesInFolder(const std::wstring& folder, const NamePattern& pattern)
 {
     std::vector<std::wstring> names;
-    const Listing listing(opendir(folder.empty() ? "." : nativePath(folder).c_str()));
+    const OpenFolder listing(opendir(folder.empty() ? "." : nativePath(folder).c_str()));
     while (const dirent* const entry = listing ? readdir(listing.get()) : nullptr) {
         std::wstring name = fromUtf8(entry->d_name);
         if (pattern.matches(name)) {
@@ -69,7 +62,7 @@ std::vector<std::wstring> namesInFolder(const std::wstring& folder, const NamePa
 
 std::vector<std::wstring> matchingNames(const std::wstring& path)
 {
-    const std::size_t name = path.find_last_of(kSeparators) + 1;
+    const std::size_t name = lastComponent(path);
     if (name == path.size()) {
         return {};
     }
@@ -83,7 +76,7 @@ std::vector<std::wstring> matchingNames(const std::wstring& path)
 std::vector<FolderEntry> folderEntries(const std::wstring& folder)
 {
     std::vector<FolderEntry> entries;
-    const Listing listing(folder.empty() ? nullptr : opendir(nativePath(folder).c_str()));
+    const OpenFolder listing(folder.empty() ? nullptr : opendir(nativePath(folder).c_str()));
     if (!listing) {
         return entries;
     }

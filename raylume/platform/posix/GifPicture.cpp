@@ -33,8 +33,12 @@ public:
     bool readHeader();
     ImageSize size() const override { return size_; }
     bool hasAlpha() const override { return true; }
-    // Of an interlaced frame one byte a pixel stays.
-    bool comesByRows() const override { return !gif_->Image.Interlace; }
+    // Of an interlaced frame one byte a pixel stays. Rows beside a frame take time but no bytes of the
+    // file, so a few of those could keep a host busy.
+    bool comesByRows() const override
+    {
+        return !gif_->Image.Interlace && size_ == ImageSize{gif_->Image.Width, gif_->Image.Height};
+    }
     bool decode(RowScaler& rows) override;
 
 private:

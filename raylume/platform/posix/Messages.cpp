@@ -1,15 +1,18 @@
 #include "raylume/platform/Messages.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
-#include <cerrno>
+#include <algorithm>
+#include <cstdint>
 #include <string_view>
 #include <utility>
 
 #include "raylume/platform/Environment.h"
 #include "raylume/platform/Paths.h"
 #include "raylume/platform/Text.h"
+#include "raylume/platform/posix/Handles.h"
 
 namespace platform {
 
@@ -30,15 +33,21 @@ Handler& debugOutputHandler()
     return handler;
 }
 
-void writeAll(int file, std::string_view bytes)
+// Where the next bytes may come to stand at most; a pipe or a terminal has no such place.
+std::uint64_t endOf(int file)
 {
-    while (!bytes.empty()) {
-        const ssize_t count = write(file, bytes.data(), bytes.size());
-        if (count > 0) {
-            bytes.remove_prefix(static_cast<std::size_t>(count));
-        } else if (count == 0 || errno != EINTR) {
-            return;
-        }
+    struct stat status;
+    if (fstat(file, &status) != 0 || !S_ISREG(status.st_mode)) {
+        return 0;
+    }
+    return static_cast<std::uint64_t>(std::max({off_t{0}, status.st_size, lseek(file, 0, SEEK_CUR)}));
+}
+
+// A message that does not fit any more is lost, and not the process.
+void writeMessage(int file, std::string_view bytes)
+{
+    if (mayHold(endOf(file) + bytes.size())) {
+        writeAll(file, bytes);
     }
 }
 
@@ -57,10 +66,9 @@ std::string asOneLine(const std::wstring& text)
 void appendToFile(const std::wstring& path, std::string_view bytes)
 {
     const int flags = O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
-    const int file = open(nativePath(path).c_str(), flags, 0666);
-    if (file >= 0) {
-        writeAll(file, bytes);
-        close(file);
+    const FileHandle file(open(nativePath(path).c_str(), flags, 0666));
+    if (file.isOpen()) {
+        writeMessage(file.number(), bytes);
     }
 }
 
@@ -72,7 +80,7 @@ void writeDebugOutput(const std::wstring& text)
     }
     const std::string bytes = toUtf8(text);
     if (*target == L"-") {
-        writeAll(STDERR_FILENO, bytes);
+        writeMessage(STDERR_FILENO, bytes);
     } else {
         appendToFile(*target, bytes);
     }
@@ -87,7 +95,7 @@ void showMessageBox(const std::wstring& text)
     if (handler) {
         handler(text);
     } else {
-        writeAll(STDERR_FILENO, asOneLine(text));
+        writeMessage(STDERR_FILENO, asOneLine(text));
     }
 }
 

@@ -116,4 +116,13 @@ bool NamePattern::matches(std::wstring_view name) const
     return states.back();
 }
 
+std::size_t lastComponent(std::wstring_view path)
+{
+    const std::size_t separator = path.find_last_of(L"\\/");
+    if (separator != std::wstring_view::npos) {
+        return separator + 1;
+    }
+    return path.size() >= 2 && path[1] == L':' ? 2 : 0;
+}
+
 }  // namespace platform

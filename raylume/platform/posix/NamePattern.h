@@ -37,4 +37,8 @@ private:
     bool isUsable_ = false;
 };
 
+/// Where the last component of a path begins, of which alone a pattern is one: behind the last "\\" or "/",
+/// and that of "c:name" behind the drive.
+std::size_t lastComponent(std::wstring_view path);
+
 }  // namespace platform

@@ -1,76 +1,42 @@
 #include "raylume/platform/OutputFile.h"
 
-#include <dirent.h>
 #include <fcntl.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <cerrno>
-#include <limits>
+#include <cstdint>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
 
 #include "raylume/platform/Paths.h"
 #include "raylume/platform/Text.h"
+#include "raylume/platform/posix/Handles.h"
 
 namespace platform {
 
 namespace {
 
-// Past it the system ends the process by a signal, before the call can fail.
-std::uint64_t longestFile()
-{
-    struct rlimit limit;
-    const std::uint64_t longest = std::numeric_limits<off_t>::max();
-    if (getrlimit(RLIMIT_FSIZE, &limit) != 0 || limit.rlim_cur == RLIM_INFINITY) {
-        return longest;
-    }
-    return std::min<std::uint64_t>(limit.rlim_cur, longest);
-}
-
 class PosixOutputFile final : public OutputFile {
 public:
-    explicit PosixOutputFile(int number) : number_(number) {}
-    ~PosixOutputFile() override { close(number_); }
+    explicit PosixOutputFile(FileHandle file) : file_(std::move(file)) {}
 
     bool write(const void* bytes, std::size_t size) override
     {
-        const char* next = static_cast<const char*>(bytes);
-        if (size > longestFile() - std::min(longestFile(), written_)) {
+        if (size > UINT64_MAX - written_ || !mayHold(written_ + size)) {
             return false;
         }
-        while (size > 0) {
-            const ssize_t count = writeOnce(next, size);
-            if (count <= 0) {
-                return false;
-            }
-            next += count;
-            size -= static_cast<std::size_t>(count);
-            written_ += static_cast<std::uint64_t>(count);
-        }
-        return true;
+        written_ += size;
+        return writeAll(file_.number(), {static_cast<const char*>(bytes), size});
     }
 
     bool setLength(std::uint64_t length) override
     {
-        return length <= longestFile() && ftruncate(number_, static_cast<off_t>(length)) == 0;
+        return mayHold(length) && ftruncate(file_.number(), static_cast<off_t>(length)) == 0;
     }
 
 private:
-    ssize_t writeOnce(const char* bytes, std::size_t size)
-    {
-        constexpr std::size_t kLimit = std::size_t{1} << 30;
-        ssize_t count;
-        do {
-            count = ::write(number_, bytes, std::min(size, kLimit));
-        } while (count < 0 && errno == EINTR);
-        return count;
-    }
-
-    int number_;
+    FileHandle file_;
     std::uint64_t written_ = 0;
 };
 
@@ -84,27 +50,22 @@ bool isEmptiedRegularFile(int number)
 std::unique_ptr<OutputFile> createIn(int folder, const std::string& path)
 {
     constexpr int kFlags = O_WRONLY | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC | O_NOCTTY;
-    const int number = path.empty() ? -1 : openat(folder, path.c_str(), kFlags, 0666);
-    if (number < 0) {
+    FileHandle file(path.empty() ? -1 : openat(folder, path.c_str(), kFlags, 0666));
+    if (!file.isOpen() || !isEmptiedRegularFile(file.number())) {
         return nullptr;
     }
-    auto file = std::make_unique<PosixOutputFile>(number);
-    return isEmptiedRegularFile(number) ? std::move(file) : nullptr;
+    return std::make_unique<PosixOutputFile>(std::move(file));
 }
 
-struct CloseFolder {
-    void operator()(DIR* folder) const { closedir(folder); }
-};
-
 // The listing of an open folder has a number of its own, which reading takes over.
-std::unique_ptr<DIR, CloseFolder> listingOf(int folder)
+OpenFolder listingOf(int folder)
 {
-    const int number = openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    DIR* const listing = number < 0 ? nullptr : fdopendir(number);
-    if (!listing && number >= 0) {
-        close(number);
+    FileHandle own(openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    OpenFolder listing(own.isOpen() ? fdopendir(own.number()) : nullptr);
+    if (listing) {
+        own.release();
     }
-    return std::unique_ptr<DIR, CloseFolder>(listing);
+    return listing;
 }
 
 bool isSingleName(const std::wstring& name)
@@ -115,8 +76,7 @@ bool isSingleName(const std::wstring& name)
 
 class PosixOutputFolder final : public OutputFolder {
 public:
-    explicit PosixOutputFolder(int number) : number_(number) {}
-    ~PosixOutputFolder() override { close(number_); }
+    explicit PosixOutputFolder(FileHandle folder) : folder_(std::move(folder)) {}
 
     std::unique_ptr<OutputFile> create(const std::wstring& name) override
     {
@@ -124,7 +84,7 @@ public:
             return nullptr;
         }
         const std::string native = entryFor(name);
-        auto file = createIn(number_, native);
+        auto file = createIn(folder_.number(), native);
         if (file && isListed_) {
             names_.try_emplace(toLower(name), native);
         }
@@ -135,7 +95,7 @@ private:
     bool exists(const std::string& name) const
     {
         struct stat status;
-        return fstatat(number_, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0;
+        return fstatat(folder_.number(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0;
     }
 
     // The entry of exactly that name, else the first in byte order that equals it without case.
@@ -154,7 +114,7 @@ private:
 
     void list()
     {
-        const auto listing = listingOf(number_);
+        const auto listing = listingOf(folder_.number());
         while (const dirent* const entry = listing ? readdir(listing.get()) : nullptr) {
             std::string name(entry->d_name);
             const auto [first, isNew] = names_.try_emplace(toLower(fromUtf8(name)), name);
@@ -164,7 +124,7 @@ private:
         }
     }
 
-    int number_;
+    FileHandle folder_;
     bool isListed_ = false;
     // The native names by their lower-cased form.
     std::unordered_map<std::wstring, std::string> names_;
@@ -187,8 +147,8 @@ OutputFolder::~OutputFolder() = default;
 std::unique_ptr<OutputFolder> OutputFolder::open(const std::wstring& folder)
 {
     const std::string native = nativePath(folder);
-    const int number = ::open(native.empty() ? "." : native.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
-    return number < 0 ? nullptr : std::make_unique<PosixOutputFolder>(number);
+    FileHandle handle(::open(native.empty() ? "." : native.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    return handle.isOpen() ? std::make_unique<PosixOutputFolder>(std::move(handle)) : nullptr;
 }
 
 std::optional<std::uint64_t> fileLength(const std::wstring& path)

@@ -1,5 +1,4 @@
 // Saving and deleting in folders of the user's own.
-#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -7,40 +6,18 @@
 #include <atomic>
 #include <cerrno>
 #include <cstdio>
-#include <memory>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "raylume/platform/Folders.h"
 #include "raylume/platform/Paths.h"
 #include "raylume/platform/Text.h"
+#include "raylume/platform/posix/Handles.h"
 
 namespace platform {
 
 namespace {
-
-class Handle {
-public:
-    explicit Handle(int number) : number_(number) {}
-    Handle(const Handle&) = delete;
-    Handle& operator=(const Handle&) = delete;
-    ~Handle()
-    {
-        if (number_ >= 0) {
-            close(number_);
-        }
-    }
-
-    int number() const { return number_; }
-    bool isOpen() const { return number_ >= 0; }
-
-private:
-    int number_;
-};
-
-struct CloseFolder {
-    void operator()(DIR* folder) const { closedir(folder); }
-};
 
 // A separator at the end would follow a link, so it goes.
 std::string nativeFolder(const std::wstring& folder)
@@ -52,15 +29,15 @@ std::string nativeFolder(const std::wstring& folder)
     return native;
 }
 
-bool isOwn(const Handle& folder)
+bool isOwn(const FileHandle& folder)
 {
     struct stat status;
     return folder.isOpen() && fstat(folder.number(), &status) == 0 && status.st_uid == geteuid();
 }
 
-int openFolder(const std::wstring& folder)
+FileHandle openFolder(const std::wstring& folder)
 {
-    return open(nativeFolder(folder).c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    return FileHandle(open(nativeFolder(folder).c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
 }
 
 FolderState stateOf(const struct stat& status)
@@ -75,50 +52,62 @@ std::string nextWorkName()
     return ".saving-" + std::to_string(getpid()) + "-" + std::to_string(++count);
 }
 
-bool writeAll(int file, std::span<const unsigned char> bytes)
+using Pieces = std::span<const std::span<const unsigned char>>;
+
+std::uint64_t byteCount(Pieces pieces)
 {
-    while (!bytes.empty()) {
-        const ssize_t count = write(file, bytes.data(), bytes.size());
-        if (count < 0 && errno == EINTR) {
-            continue;
-        }
-        if (count <= 0) {
-            return false;
-        }
-        bytes = bytes.subspan(static_cast<std::size_t>(count));
+    std::uint64_t count = 0;
+    for (const auto& piece : pieces) {
+        count += piece.size();
     }
-    return true;
+    return count;
 }
 
-// Network file systems tell of a failed write only when the file is closed.
-bool writeAndClose(int file, std::span<const std::span<const unsigned char>> pieces)
+bool writeAndClose(FileHandle file, Pieces pieces)
 {
     bool isWritten = true;
     for (const auto& piece : pieces) {
-        isWritten = isWritten && writeAll(file, piece);
+        isWritten = isWritten &&
+                    writeAll(file.number(), {reinterpret_cast<const char*>(piece.data()), piece.size()});
     }
-    return close(file) == 0 && isWritten;
+    return file.close() && isWritten;
 }
 
 // Under a name of its own in the folder; empty when that failed.
-std::string writeWorkFile(int folder, std::span<const std::span<const unsigned char>> pieces)
+std::string writeWorkFile(int folder, Pieces pieces)
 {
     constexpr int kTries = 100;  // a process that had this number before may have left some behind
-    for (int attempt = 0; attempt < kTries; ++attempt) {
-        std::string name = nextWorkName();
-        const int file = openat(folder, name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
-        if (file >= 0 && writeAndClose(file, pieces)) {
-            return name;
-        }
-        if (file >= 0) {
-            unlinkat(folder, name.c_str(), 0);
-            return {};
+    for (int attempt = 0; attempt < kTries && mayHold(byteCount(pieces)); ++attempt) {
+        const std::string name = nextWorkName();
+        FileHandle file(openat(folder, name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+        if (file.isOpen()) {
+            const bool isWritten = writeAndClose(std::move(file), pieces);
+            if (!isWritten) {
+                unlinkat(folder, name.c_str(), 0);
+            }
+            return isWritten ? name : std::string();
         }
         if (errno != EEXIST) {
             return {};
         }
     }
     return {};
+}
+
+bool isUnsupported(int error)
+{
+    return error == EINVAL || error == ENOSYS || error == ENOTSUP || error == EPERM;
+}
+
+// For file systems that have nothing better. Whoever takes the name between the two calls loses his file,
+// but the folder is of the user's own.
+int renameIfMissing(int folder, const char* from, const char* to)
+{
+    struct stat status;
+    if (fstatat(folder, to, &status, AT_SYMLINK_NOFOLLOW) == 0) {
+        return EEXIST;
+    }
+    return errno == ENOENT && renameat(folder, from, folder, to) == 0 ? 0 : errno;
 }
 
 // Without the file system's own call a second name does, which is never made over another either.
@@ -128,15 +117,15 @@ int renameToFreeName(int folder, const char* from, const char* to)
     if (renameat2(folder, from, folder, to, RENAME_NOREPLACE) == 0) {
         return 0;
     }
-    if (errno != EINVAL && errno != ENOSYS) {
+    if (!isUnsupported(errno)) {
         return errno;
     }
 #endif
-    if (linkat(folder, from, folder, to, 0) != 0) {
-        return errno;
+    if (linkat(folder, from, folder, to, 0) == 0) {
+        unlinkat(folder, from, 0);
+        return 0;
     }
-    unlinkat(folder, from, 0);
-    return 0;
+    return isUnsupported(errno) ? renameIfMissing(folder, from, to) : errno;
 }
 
 SaveFile publish(int folder, const std::string& workName, const std::string& name, IfTaken ifTaken)
@@ -163,7 +152,9 @@ bool isBefore(const timespec& a, const timespec& b)
 }
 
 // The clock of a file system ticks coarsely, so the time of our own change may be the time of the next one,
-// too. Setting the folder's time a little back makes it one that no later change can have.
+// too. Setting the folder's time a little back makes it one that no change from here on can have. What
+// somebody else changes between the renaming and this goes unseen with it: such an entry is found when the
+// numbering comes to its name, which is never written over.
 std::optional<FolderState> markState(int folder)
 {
     struct stat changed;
@@ -193,15 +184,12 @@ std::optional<FolderState> ownFolderState(const std::wstring& folder)
 
 void deleteFilesInOwnFolder(const std::wstring& folder)
 {
-    const int number = openFolder(folder);
-    const std::unique_ptr<DIR, CloseFolder> listing(number >= 0 ? fdopendir(number) : nullptr);
-    struct stat status;
-    if (!listing || fstat(number, &status) != 0 || status.st_uid != geteuid()) {
-        if (number >= 0 && !listing) {
-            close(number);
-        }
+    FileHandle handle = openFolder(folder);
+    const OpenFolder listing(isOwn(handle) ? fdopendir(handle.number()) : nullptr);
+    if (!listing) {
         return;
     }
+    const int number = handle.release();  // the listing closes it
     std::vector<std::string> names;
     while (const dirent* const entry = readdir(listing.get())) {
         names.emplace_back(entry->d_name);
@@ -211,11 +199,10 @@ void deleteFilesInOwnFolder(const std::wstring& folder)
     }
 }
 
-SaveFile saveInOwnFolder(const std::wstring& folder, const std::wstring& name,
-                         std::span<const std::span<const unsigned char>> pieces, IfTaken ifTaken,
-                         std::optional<FolderState>* state)
+SaveFile saveInOwnFolder(const std::wstring& folder, const std::wstring& name, Pieces pieces,
+                         IfTaken ifTaken, std::optional<FolderState>* state)
 {
-    const Handle handle(openFolder(folder));
+    const FileHandle handle = openFolder(folder);
     if (!isOwn(handle)) {
         return SaveFile::kFailed;
     }

@@ -1,6 +1,5 @@
 #include "raylume/platform/Paths.h"
 
-#include <dirent.h>
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -12,15 +11,12 @@
 #include "raylume/platform/Environment.h"
 #include "raylume/platform/Text.h"
 #include "raylume/platform/posix/FolderListings.h"
+#include "raylume/platform/posix/Handles.h"
 #include "raylume/platform/posix/NamePattern.h"
 
 namespace platform {
 
 namespace {
-
-struct CloseFolder {
-    void operator()(DIR* folder) const { closedir(folder); }
-};
 
 enum class Entry {
     kMissing,
@@ -193,19 +189,9 @@ bool isSeparator(wchar_t character)
     return character == L'\\' || character == L'/';
 }
 
-// Where the last component begins; that of "c:name" begins behind the drive.
-std::size_t lastComponent(const std::wstring& path)
-{
-    const std::size_t separator = path.find_last_of(L"\\/");
-    if (separator != std::wstring::npos) {
-        return separator + 1;
-    }
-    return path.size() >= 2 && path[1] == L':' ? 2 : 0;
-}
-
 bool holdsMatch(const std::string& folder, const NamePattern& pattern)
 {
-    const std::unique_ptr<DIR, CloseFolder> listing(opendir(folder.empty() ? "." : folder.c_str()));
+    const OpenFolder listing(opendir(folder.empty() ? "." : folder.c_str()));
     while (const dirent* const entry = listing ? readdir(listing.get()) : nullptr) {
         struct stat status;
         if (pattern.matches(fromUtf8(entry->d_name)) &&

@@ -1,13 +1,14 @@
 #include "raylume/platform/posix/RegularFile.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <utility>
 
 #include "raylume/platform/Paths.h"
+#include "raylume/platform/posix/Handles.h"
 
 namespace platform {
 
@@ -15,25 +16,8 @@ namespace {
 
 class RegularFile final : public ImageSource {
 public:
-    explicit RegularFile(const std::string& native)
-        : number_(open(native.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY))
-    {
-        struct stat status;
-        if (number_ >= 0 && fstat(number_, &status) == 0 && S_ISREG(status.st_mode)) {
-            isRegular_ = true;
-            size_ = static_cast<std::uint64_t>(status.st_size);
-        }
-    }
-    RegularFile(const RegularFile&) = delete;
-    RegularFile& operator=(const RegularFile&) = delete;
-    ~RegularFile() override
-    {
-        if (number_ >= 0) {
-            close(number_);
-        }
-    }
+    RegularFile(FileHandle file, std::uint64_t size) : file_(std::move(file)), size_(size) {}
 
-    bool isRegular() const { return isRegular_; }
     std::uint64_t size() const override { return size_; }
 
     std::size_t readAt(std::uint64_t offset, void* buffer, std::size_t size) override
@@ -44,7 +28,7 @@ public:
         const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(size, size_ - offset));
         std::size_t total = 0;
         while (total < wanted) {
-            const ssize_t count = pread(number_, static_cast<char*>(buffer) + total, wanted - total,
+            const ssize_t count = pread(file_.number(), static_cast<char*>(buffer) + total, wanted - total,
                                         static_cast<off_t>(offset + total));
             if (count < 0 && errno == EINTR) {
                 continue;
@@ -58,9 +42,8 @@ public:
     }
 
 private:
-    int number_;
-    bool isRegular_ = false;
-    std::uint64_t size_ = 0;
+    FileHandle file_;
+    std::uint64_t size_;
 };
 
 }  // namespace
@@ -70,8 +53,12 @@ std::shared_ptr<ImageSource> openRegularFile(const std::wstring& path)
     if (path.empty()) {
         return nullptr;
     }
-    auto file = std::make_shared<RegularFile>(nativePath(path));
-    return file->isRegular() ? std::move(file) : nullptr;
+    struct stat status;
+    FileHandle file = openRegular(nativePath(path), status);
+    if (!file.isOpen()) {
+        return nullptr;
+    }
+    return std::make_shared<RegularFile>(std::move(file), static_cast<std::uint64_t>(status.st_size));
 }
 
 }  // namespace platform

@@ -167,6 +167,7 @@ public:
     bool decode(RowScaler& rows) override;
 
 private:
+    bool isConvertible() const;
     bool begin();
     int findBandHeight() const;
     bool readBand(int first, int count, std::vector<std::uint32_t>& band);
@@ -191,6 +192,19 @@ int TiffPicture::findBandHeight() const
     return static_cast<int>(std::min<std::uint32_t>(rows, static_cast<std::uint32_t>(size_.height)));
 }
 
+// Kinds that are not read are none from the header on.
+bool TiffPicture::isConvertible() const
+{
+    char reason[1024];
+    TIFFRGBAImage trial;
+    if (TIFFRGBAImageOK(tiff_.get(), reason) == 0 ||
+        TIFFRGBAImageBegin(&trial, tiff_.get(), 1, reason) == 0) {
+        return false;
+    }
+    TIFFRGBAImageEnd(&trial);
+    return true;
+}
+
 bool TiffPicture::readHeader()
 {
     tiff_ = openTiff(cursor_);
@@ -204,7 +218,8 @@ bool TiffPicture::readHeader()
     size_ = {static_cast<int>(width), static_cast<int>(height)};
     alpha_ = alphaOf(tiff_.get());
     bandHeight_ = findBandHeight();
-    return bandHeight_ > 0 && std::int64_t{size_.width} * bandHeight_ <= kMostPixelsAtOnce;
+    return bandHeight_ > 0 && std::int64_t{size_.width} * bandHeight_ <= kMostPixelsAtOnce &&
+           isConvertible();
 }
 
 // The library multiplies straight alpha in, so it is told that this has been done. Pictures are not turned,

@@ -10,6 +10,7 @@
 #include "reader/formats/gltf/References.h"
 #include "reader/formats/gltf/Refusal.h"
 #include "reader/formats/gltf/Scene.h"
+#include "reader/formats/gltf/Uris.h"
 
 namespace ovdl {
 namespace gltf {
@@ -120,11 +121,34 @@ std::unique_ptr<GltfDocument> readMapped(const platform::MappedFile& file, const
     return document;
 }
 
+std::vector<unsigned char> imageOf(const platform::MappedFile& file, const DocumentPath& path, int index)
+{
+    const Bytes bytes{file.data(), file.size()};
+    const GlbChunks chunks = hasBinaryMagic(bytes) ? openGlb(bytes) : GlbChunks{bytes, {}, false};
+    JsonDocument json(chunks.json, bytes);
+    const Records& records = json.records();
+    checkReferences(records);
+    if (static_cast<std::size_t>(index) >= records.images.size())
+        return {};
+    const ImageRecord& image = records.images[static_cast<std::size_t>(index)];
+    if (image.hasUri)
+        return isDataUri(image.uri) ? dataUriBytes(image.uri).value_or(std::vector<unsigned char>())
+                                    : std::vector<unsigned char>();
+    Budget budget;
+    budget.addBytes(file.size());
+    if (image.view == kNone)
+        return {};
+    const Buffers buffers(records, chunks, path, budget);
+    const Bytes view = buffers.view(image.view);
+    return {view.begin(), view.end()};
+}
+
 class GltfFormat : public DocumentFormat {
 public:
     const char* name() const override { return "glTF 2.0"; }
     bool recognises(const std::wstring& path, std::string& reason) override;
     ReadOutcome read(const std::wstring& path, ReadContext& context) override;
+    std::vector<unsigned char> image(const std::wstring& path, int index) override;
 };
 
 bool GltfFormat::recognises(const std::wstring& path, std::string&)
@@ -151,6 +175,16 @@ ReadOutcome GltfFormat::read(const std::wstring& path, ReadContext& context)
         outcome.kind = ReadOutcome::kCancelled;
     }
     return outcome;
+}
+
+std::vector<unsigned char> GltfFormat::image(const std::wstring& path, int index)
+{
+    try {
+        const auto file = platform::MappedFile::open(path);
+        return file ? imageOf(*file, DocumentPath(path), index) : std::vector<unsigned char>();
+    } catch (const Refusal&) {
+        return {};
+    }
 }
 
 }  // namespace
