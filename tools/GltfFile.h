@@ -1,5 +1,5 @@
 // A glTF 2.0 file while it is being put together, and its binary form
-// (https://registry.khronos.org/glTF/specs/2.0/glTF-2.0.html).
+// (https://www.khronos.org/gltf/).
 #pragma once
 
 #include <cstdint>
