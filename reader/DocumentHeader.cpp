@@ -1,6 +1,6 @@
 #include "reader/DocumentHeader.h"
 
-#include "reader/StorageReference.h"
+#include "raylume/platform/Reference.h"
 
 namespace ovdl {
 namespace {
@@ -21,7 +21,7 @@ void put(unsigned char* bytes, std::uint32_t number)
 
 bool readBytes(IStorage& root, unsigned char* bytes)
 {
-    Reference<IStream> stream;
+    platform::Reference<IStream> stream;
     std::uint32_t count = 0;
     return root.OpenStream(kHeaderName, kModeExclusive + kModeRead, stream.out()) >= 0 &&
            stream->Read(bytes, kSize, &count) >= 0 && count == kSize;
@@ -46,7 +46,7 @@ HResult writeHeader(IStorage& root, const DocumentHeader& header)
     put(bytes, header.formatVersion);
     put(bytes + 4, header.documentVersion);
     put(bytes + 8, header.displayListVersion);
-    Reference<IStream> stream;
+    platform::Reference<IStream> stream;
     const HResult result =
         root.CreateStream(kHeaderName, kModeExclusive + kModeReadWrite + kModeCreate, stream.out());
     return result < 0 ? result : stream->Write(bytes, kSize, nullptr);

@@ -7,10 +7,10 @@
 
 #include "raylume/load/ReaderInterface.h"
 #include "raylume/platform/CompoundFile.h"
+#include "raylume/platform/Reference.h"
 #include "reader/DocumentHeader.h"
 #include "reader/FormatRegistry.h"
 #include "reader/HostState.h"
-#include "reader/StorageReference.h"
 
 namespace {
 
@@ -119,8 +119,8 @@ public:
         }
     }
 
-    ovdl::Reference<IStorage> root;
-    ovdl::Reference<IStorage> sub;
+    platform::Reference<IStorage> root;
+    platform::Reference<IStorage> sub;
     std::optional<ovdl::DocumentHeader> header;
     bool open = false;
 

@@ -5,49 +5,16 @@
 
 #include <cstdint>
 #include <string>
-#include <utility>
 
 #include "RawCompoundFile.h"
 #include "raylume/platform/CompoundFile.h"
+#include "raylume/platform/Reference.h"
 #include "raylume/platform/Text.h"
 
 namespace compound_tests {
 
-/// One reference to a storage or a stream.
-template <class Interface>
-class Held {
-public:
-    Held() = default;
-    explicit Held(Interface* interface) : interface_(interface) {}
-    Held(Held&& other) noexcept : interface_(std::exchange(other.interface_, nullptr)) {}
-    Held& operator=(Held&& other) noexcept
-    {
-        std::swap(interface_, other.interface_);
-        return *this;
-    }
-    ~Held() { reset(); }
-
-    void reset()
-    {
-        if (interface_)
-            std::exchange(interface_, nullptr)->Release();
-    }
-    /// Where an operation stores what it gives.
-    Interface** out()
-    {
-        reset();
-        return &interface_;
-    }
-    Interface* get() const { return interface_; }
-    Interface* operator->() const { return interface_; }
-    explicit operator bool() const { return interface_ != nullptr; }
-
-private:
-    Interface* interface_ = nullptr;
-};
-
-using Storage = Held<IStorage>;
-using Stream = Held<IStream>;
+using Storage = platform::Reference<IStorage>;
+using Stream = platform::Reference<IStream>;
 
 inline constexpr std::uint32_t kReading = kModeExclusive + kModeRead;
 inline constexpr std::uint32_t kWriting = kModeExclusive + kModeReadWrite;

@@ -7,8 +7,8 @@
 
 #include "ReaderFixtures.h"
 #include "TemporaryFolder.h"
+#include "raylume/platform/Reference.h"
 #include "reader/DocumentHeader.h"
-#include "reader/StorageReference.h"
 
 namespace {
 
@@ -168,7 +168,7 @@ TEST(StructuredStorage, HasNoStoragesInside)
 
 // Compound files.
 
-using Root = ovdl::Reference<IStorage>;
+using Root = platform::Reference<IStorage>;
 
 class CompoundDocument : public testing::Test {
 protected:
@@ -178,8 +178,8 @@ protected:
         if (withHeader) {
             EXPECT_EQ(ovdl::writeHeader(*root.get(), {1, 12345, 678}), 0);
         }
-        ovdl::Reference<IStorage> store;
-        ovdl::Reference<IStorage> inner;
+        platform::Reference<IStorage> store;
+        platform::Reference<IStorage> inner;
         EXPECT_EQ(root->CreateStorage(L"ThirdPtyStore", kModeReadWrite, store.out()), 0);
         EXPECT_EQ(store->CreateStorage(L"Raylume", kModeReadWrite, inner.out()), 0);
     }
@@ -223,7 +223,7 @@ TEST_F(CompoundDocument, HandsOutASubStorageWithAReferenceOfTheCallers)
     storage->endOpen();
     EXPECT_EQ(storage->subStorageInterface(), nullptr);
     storage.reset();
-    ovdl::Reference<IStorage> inner;
+    platform::Reference<IStorage> inner;
     EXPECT_EQ(store->OpenStorage(L"Raylume", kModeRead, inner.out()), 0);
     EXPECT_EQ(store->Release(), 0u);
 }
@@ -266,7 +266,7 @@ TEST_F(CompoundDocument, IsWrittenThroughASubStorageOpenedForThat)
     store->Release();
     suStructuredStorage seen(path, 0, nullptr, nullptr, 0, 1);
     ASSERT_TRUE(seen.openSubStorage(L"ThirdPtyStore", 0, 0, 0));
-    ovdl::Reference<IStorage> inner;
+    platform::Reference<IStorage> inner;
     store = seen.subStorageInterface();
     EXPECT_EQ(store->OpenStorage(L"Raylume", kModeRead, inner.out()), kStorageNotFound);
     store->Release();
@@ -324,7 +324,7 @@ TEST_P(Header, TellsTheVersions)
 {
     {
         Root root = make();
-        ovdl::Reference<IStream> stream;
+        platform::Reference<IStream> stream;
         ASSERT_EQ(root->CreateStream(L"Header", kModeReadWrite, stream.out()), 0);
         const auto size = static_cast<std::uint32_t>(GetParam().bytes.size());
         ASSERT_EQ(stream->Write(GetParam().bytes.data(), size, nullptr), 0);

@@ -5,9 +5,9 @@
 
 #include "raylume/platform/CompoundFile.h"
 #include "raylume/platform/Files.h"
+#include "raylume/platform/Reference.h"
 #include "reader/DocumentFormat.h"
 #include "reader/DocumentHeader.h"
-#include "reader/StorageReference.h"
 
 namespace ovdl {
 namespace {
@@ -37,7 +37,7 @@ public:
     {
         ReadOutcome outcome;
         outcome.kind = ReadOutcome::kRejected;
-        Reference<IStorage> root;
+        platform::Reference<IStorage> root;
         const HResult result = platform::openCompoundFile(path, false, root.out());
         if (result < 0) {
             outcome.reason = openFailure(result);

@@ -3,13 +3,15 @@
 
 #include <utility>
 
-namespace ovdl {
+namespace platform {
 
 /// Owns one reference, or none.
 template <class Interface>
 class Reference {
 public:
     Reference() = default;
+    /// Takes a reference over.
+    explicit Reference(Interface* interface) : interface_(interface) {}
     Reference(Reference&& other) noexcept : interface_(std::exchange(other.interface_, nullptr)) {}
     Reference& operator=(Reference&& other) noexcept
     {
@@ -37,4 +39,4 @@ private:
     Interface* interface_ = nullptr;
 };
 
-}  // namespace ovdl
+}  // namespace platform
