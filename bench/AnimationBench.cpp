@@ -14,7 +14,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <pugixml.hpp>
@@ -22,29 +21,11 @@
 #include <string>
 #include <vector>
 
+#include "Timing.h"
 #include "raylume/platform/Text.h"
 #include "raylume/scene/dlModel.h"
 
 namespace {
-
-template <class Work>
-double secondsOf(Work work)
-{
-    const std::clock_t start = std::clock();
-    work();
-    return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
-}
-
-double median(std::vector<double> values)
-{
-    std::nth_element(values.begin(), values.begin() + static_cast<long>(values.size() / 2), values.end());
-    return values[values.size() / 2];
-}
-
-double least(const std::vector<double>& values)
-{
-    return *std::min_element(values.begin(), values.end());
-}
 
 std::string number(double value)
 {
@@ -217,22 +198,23 @@ void compare(benchmark::State& state, const std::string& xml, std::size_t wanted
     const double beside = memoryBeside(file, xml.size());
     std::vector<double> readings, bares, trees;
     for (auto _ : state) {
-        bares.push_back(secondsOf([&] { parseBare(xml); }));
+        bares.push_back(bench::secondsOfProcessor([&] { parseBare(xml); }));
         std::string copy = xml;
-        trees.push_back(secondsOf([&] { parseTree(copy); }));
+        trees.push_back(bench::secondsOfProcessor([&] { parseTree(copy); }));
         dlModel model;
         bool result = false;
-        readings.push_back(secondsOf([&] { result = model.readAnimationXML(file.documentPath()); }));
+        readings.push_back(
+            bench::secondsOfProcessor([&] { result = model.readAnimationXML(file.documentPath()); }));
         if (result != wanted || (wanted && model.animationTracks.size() != wantedComponents)) {
             state.SkipWithError("not what was to be read");
         }
         state.SetIterationTime(readings.back());
     }
     state.counters["MB"] = static_cast<double>(xml.size()) * 1e-6;
-    state.counters["bare_ms"] = median(bares) * 1e3;
-    state.counters["pugixml_ms"] = median(trees) * 1e3;
-    state.counters["ratio"] = median(readings) / median(bares);
-    state.counters["ratio_min"] = least(readings) / least(bares);
+    state.counters["bare_ms"] = bench::median(bares) * 1e3;
+    state.counters["pugixml_ms"] = bench::median(trees) * 1e3;
+    state.counters["ratio"] = bench::median(readings) / bench::median(bares);
+    state.counters["ratio_min"] = bench::smallest(readings) / bench::smallest(bares);
     state.counters["beside"] = beside;
 }
 

@@ -16,12 +16,12 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
-#include <ctime>
 #include <list>
 #include <random>
 #include <string>
 #include <vector>
 
+#include "Timing.h"
 #include "raylume/appearance/DecalTranslation.h"
 #include "raylume/appearance/MaskImages.h"
 #include "raylume/load/ReaderInterface.h"
@@ -34,25 +34,6 @@ namespace {
 constexpr int kSide = 2048;
 constexpr std::size_t kPixels = std::size_t{kSide} * kSide;
 constexpr int kRecords = 10'000;
-
-template <class Work>
-double secondsOf(Work work)
-{
-    const std::clock_t start = std::clock();
-    work();
-    return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
-}
-
-double median(std::vector<double> values)
-{
-    std::nth_element(values.begin(), values.begin() + static_cast<long>(values.size() / 2), values.end());
-    return values[values.size() / 2];
-}
-
-double smallest(const std::vector<double>& values)
-{
-    return *std::min_element(values.begin(), values.end());
-}
 
 std::vector<unsigned char> noise(std::size_t pixels)
 {
@@ -86,18 +67,19 @@ void besideMemcpy(benchmark::State& state, const std::vector<unsigned char>& sou
     std::vector<double> worked;
     std::vector<double> copied;
     for (auto _ : state) {
-        worked.push_back(secondsOf([&] { work(pixels); }));
+        worked.push_back(bench::secondsOfProcessor([&] { work(pixels); }));
         benchmark::DoNotOptimize(pixels.data());
         benchmark::ClobberMemory();
         state.SetIterationTime(worked.back());
-        copied.push_back(secondsOf([&] { std::memcpy(copy.data(), source.data(), source.size()); }));
+        copied.push_back(
+            bench::secondsOfProcessor([&] { std::memcpy(copy.data(), source.data(), source.size()); }));
         benchmark::DoNotOptimize(copy.data());
         benchmark::ClobberMemory();
     }
-    state.counters["min_ms"] = 1e3 * smallest(worked);
-    state.counters["median_ms"] = 1e3 * median(worked);
-    state.counters["memcpy_ms"] = 1e3 * median(copied);
-    state.counters["ratio"] = median(worked) / median(copied);
+    state.counters["min_ms"] = 1e3 * bench::smallest(worked);
+    state.counters["median_ms"] = 1e3 * bench::median(worked);
+    state.counters["memcpy_ms"] = 1e3 * bench::median(copied);
+    state.counters["ratio"] = bench::median(worked) / bench::median(copied);
 }
 
 void cutOut(benchmark::State& state)
@@ -170,18 +152,18 @@ void records(benchmark::State& state)
     std::vector<double> walked;
     for (auto _ : state) {
         dlInstance instance;
-        attached.push_back(
-            secondsOf([&] { attachInstanceDecals(component, &instance, &part, L"C:\\docs\\a.doc"); }));
+        attached.push_back(bench::secondsOfProcessor(
+            [&] { attachInstanceDecals(component, &instance, &part, L"C:\\docs\\a.doc"); }));
         state.SetIterationTime(attached.back());
-        walked.push_back(secondsOf([&] {
+        walked.push_back(bench::secondsOfProcessor([&] {
             for (const uoDecalFaceMapping& mapping : decal.faceMappings)
                 benchmark::DoNotOptimize(walkTo(part, mapping.faceId));
         }));
     }
-    state.counters["min_ms"] = 1e3 * smallest(attached);
-    state.counters["median_ms"] = 1e3 * median(attached);
-    state.counters["ns_per_record"] = 1e9 * median(attached) / kRecords;
-    state.counters["walk"] = median(attached) / median(walked);
+    state.counters["min_ms"] = 1e3 * bench::smallest(attached);
+    state.counters["median_ms"] = 1e3 * bench::median(attached);
+    state.counters["ns_per_record"] = 1e9 * bench::median(attached) / kRecords;
+    state.counters["walk"] = bench::median(attached) / bench::median(walked);
 }
 BENCHMARK(records)->Arg(50)->Arg(500)->Arg(5000)->UseManualTime()->Unit(benchmark::kMillisecond);
 

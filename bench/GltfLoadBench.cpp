@@ -10,34 +10,17 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <vector>
 
+#include "Timing.h"
 #include "bench/GeneratedGltf.h"
 #include "raylume/scene/dlModel.h"
 
 namespace {
-
-using Clock = std::chrono::steady_clock;
-
-template <class Work>
-double secondsOf(Work work)
-{
-    const auto start = Clock::now();
-    work();
-    return std::chrono::duration<double>(Clock::now() - start).count();
-}
-
-double median(std::vector<double> values)
-{
-    std::nth_element(values.begin(), values.begin() + static_cast<long>(values.size() / 2), values.end());
-    return values[values.size() / 2];
-}
 
 void readIntoFreshPages(const std::string& path)
 {
@@ -73,7 +56,7 @@ void stripify(const bench::GeneratedGltf& file)
 double secondsOfLoad(const std::string& path)
 {
     std::unique_ptr<dlModel> model;
-    const double seconds = secondsOf([&] { model.reset(dlModel::ReadModel(path.c_str())); });
+    const double seconds = bench::secondsOnClock([&] { model.reset(dlModel::ReadModel(path.c_str())); });
     if (!model || model->loadRejected || model->instanceCount == 0)
         std::abort();
     return seconds;
@@ -82,7 +65,7 @@ double secondsOfLoad(const std::string& path)
 double secondsOfParse(const std::string& json)
 {
     nlohmann::json document;
-    const double seconds = secondsOf([&] { document = nlohmann::json::parse(json); });
+    const double seconds = bench::secondsOnClock([&] { document = nlohmann::json::parse(json); });
     if (document.empty())
         std::abort();
     return seconds;
@@ -99,9 +82,9 @@ void compare(benchmark::State& state, Load load, Limit limit)
         loads.push_back(load());
         state.SetIterationTime(loads.back());
     }
-    state.counters["load_ms"] = median(loads) * 1e3;
-    state.counters["limit_ms"] = median(limits) * 1e3;
-    state.counters["ratio"] = median(loads) / median(limits);
+    state.counters["load_ms"] = bench::median(loads) * 1e3;
+    state.counters["limit_ms"] = bench::median(limits) * 1e3;
+    state.counters["ratio"] = bench::median(loads) / bench::median(limits);
 }
 
 void grids(benchmark::State& state)
@@ -111,7 +94,7 @@ void grids(benchmark::State& state)
     compare(
         state, [&] { return secondsOfLoad(file.path); },
         [&] {
-            return secondsOf([&] {
+            return bench::secondsOnClock([&] {
                 readIntoFreshPages(file.path);
                 stripify(file);
             });

@@ -23,6 +23,7 @@
 
 #include <jpeglib.h>
 
+#include "Timing.h"
 #include "raylume/platform/Text.h"
 #include "raylume/services/ImageCodec.h"
 
@@ -36,12 +37,6 @@ constexpr unsigned kLimited = 2048;
 double secondsSince(Clock::time_point start)
 {
     return std::chrono::duration<double>(Clock::now() - start).count();
-}
-
-double median(std::vector<double> values)
-{
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
 }
 
 // Edges and noise, so that the file is about as large as a photograph of that size.
@@ -143,7 +138,7 @@ void decode_limited(benchmark::State& state)
         decodeBare(file, result);
         bare.push_back(secondsSince(start) + onePass(result));
     }
-    state.counters["ratio"] = median(whole) / median(bare);
+    state.counters["ratio"] = bench::median(whole) / bench::median(bare);
     state.counters["ratio_of_best"] =
         *std::min_element(whole.begin(), whole.end()) / *std::min_element(bare.begin(), bare.end());
 }

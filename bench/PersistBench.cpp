@@ -8,14 +8,13 @@
 #include <benchmark/benchmark.h>
 #include <malloc.h>
 
-#include <algorithm>
 #include <cstdlib>
 #include <cstring>
-#include <ctime>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "Timing.h"
 #include "raylume/persist/RLByteEnds.h"
 #include "raylume/persist/RLData.h"
 
@@ -25,25 +24,6 @@ constexpr std::size_t kMasks = 50'000;
 constexpr int kChannels = 8;
 constexpr int kTags = 4;
 constexpr int kRuns = 15;
-
-template <class Work>
-double secondsOf(Work work)
-{
-    const std::clock_t start = std::clock();
-    work();
-    return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
-}
-
-double median(std::vector<double> values)
-{
-    std::nth_element(values.begin(), values.begin() + static_cast<long>(values.size() / 2), values.end());
-    return values[values.size() / 2];
-}
-
-double smallest(const std::vector<double>& values)
-{
-    return *std::min_element(values.begin(), values.end());
-}
 
 // The texts of one mask, some of them longer than a string holds without memory of its own.
 struct Texts {
@@ -129,7 +109,7 @@ double secondsOfLoad()
     RLByteStream stream(source, L"bench");
     RLArchive archive{&stream};
     RLData data;
-    const double seconds = secondsOf([&] { data.serialize(archive); });
+    const double seconds = bench::secondsOfProcessor([&] { data.serialize(archive); });
     if (data.maskMaterials.size() != kMasks)
         std::abort();
     return seconds;
@@ -139,7 +119,7 @@ double secondsOfBuild()
 {
     settleMemory();
     RLData data;
-    const double seconds = secondsOf([&] { build(data); });
+    const double seconds = bench::secondsOfProcessor([&] { build(data); });
     if (data.maskMaterials.size() != kMasks)
         std::abort();
     return seconds;
@@ -153,7 +133,7 @@ std::vector<char>& target()
 
 double secondsOfMemcpy()
 {
-    return secondsOf([] {
+    return bench::secondsOfProcessor([] {
         std::memcpy(target().data(), streamBytes().data(), streamBytes().size());
         benchmark::DoNotOptimize(target().data());
     });
@@ -163,11 +143,11 @@ void report(benchmark::State& state, const std::vector<double>& times, const std
             const char* limit)
 {
     state.counters["MB"] = static_cast<double>(streamBytes().size()) / 1e6;
-    state.counters["min_ms"] = smallest(times) * 1e3;
-    state.counters["median_ms"] = median(times) * 1e3;
-    state.counters[limit] = median(limits) * 1e3;
-    state.counters["ratio"] = median(times) / median(limits);
-    state.counters["ratio_of_min"] = smallest(times) / smallest(limits);
+    state.counters["min_ms"] = bench::smallest(times) * 1e3;
+    state.counters["median_ms"] = bench::median(times) * 1e3;
+    state.counters[limit] = bench::median(limits) * 1e3;
+    state.counters["ratio"] = bench::median(times) / bench::median(limits);
+    state.counters["ratio_of_min"] = bench::smallest(times) / bench::smallest(limits);
 }
 
 void load(benchmark::State& state)
@@ -182,8 +162,8 @@ void load(benchmark::State& state)
         state.SetIterationTime(loads.back());
     }
     report(state, loads, builds, "build_ms");
-    state.counters["memcpy_ms"] = median(copies) * 1e3;
-    state.counters["over_memcpy"] = median(loads) / median(copies);
+    state.counters["memcpy_ms"] = bench::median(copies) * 1e3;
+    state.counters["over_memcpy"] = bench::median(loads) / bench::median(copies);
 }
 BENCHMARK(load)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(kRuns);
 
@@ -194,7 +174,8 @@ void raw(benchmark::State& state)
         copies.push_back(secondsOfMemcpy());
         RLMemorySource source(streamBytes());
         RLByteStream stream(source, L"bench");
-        reads.push_back(secondsOf([&] { stream.readRaw(target().data(), streamBytes().size()); }));
+        reads.push_back(
+            bench::secondsOfProcessor([&] { stream.readRaw(target().data(), streamBytes().size()); }));
         state.SetIterationTime(reads.back());
     }
     report(state, reads, copies, "memcpy_ms");
@@ -221,7 +202,7 @@ void rawStore(benchmark::State& state)
         copies.push_back(secondsOfMemcpy());
         TargetSink sink;
         RLByteStream stream(sink, L"bench");
-        writes.push_back(secondsOf([&] {
+        writes.push_back(bench::secondsOfProcessor([&] {
             stream.writeRaw(streamBytes().data(), streamBytes().size());
             stream.close();
         }));

@@ -8,7 +8,6 @@
 #include <benchmark/benchmark.h>
 #include <sys/stat.h>
 
-#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
@@ -17,6 +16,7 @@
 #include <thread>
 #include <vector>
 
+#include "Timing.h"
 #include "raylume/platform/HostSetup.h"
 #include "raylume/platform/Paths.h"
 #include "raylume/services/TextureSearch.h"
@@ -25,20 +25,6 @@
 namespace {
 
 constexpr int kTextures = 10'000;
-
-template <class Work>
-double secondsOf(Work work)
-{
-    const auto start = std::chrono::steady_clock::now();
-    work();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
-double median(std::vector<double> values)
-{
-    std::nth_element(values.begin(), values.begin() + static_cast<long>(values.size() / 2), values.end());
-    return values[values.size() / 2];
-}
 
 // One drive with a document's folder of `files` entries, a side file beside the document, and an empty
 // current folder.
@@ -123,21 +109,21 @@ void missingTextures(benchmark::State& state)
     }
     std::vector<double> searches, bareProbes, limits;
     for (auto _ : state) {
-        limits.push_back(secondsOf([&] { benchmark::DoNotOptimize(countExisting(natives)); }));
-        bareProbes.push_back(secondsOf([&] {
+        limits.push_back(bench::secondsOnClock([&] { benchmark::DoNotOptimize(countExisting(natives)); }));
+        bareProbes.push_back(bench::secondsOnClock([&] {
             for (const std::wstring& probe : probes) {
                 benchmark::DoNotOptimize(platform::pathMatches(probe));
             }
         }));
-        searches.push_back(secondsOf(searchAll));
+        searches.push_back(bench::secondsOnClock(searchAll));
         state.SetIterationTime(searches.back());
     }
     const auto count = static_cast<double>(probes.size());
     state.counters["probes"] = count;
-    state.counters["probes_per_second"] = count / median(searches);
-    state.counters["limit_per_second"] = count / median(limits);
-    state.counters["ratio"] = median(searches) / median(limits);
-    state.counters["probe_ratio"] = median(bareProbes) / median(limits);
+    state.counters["probes_per_second"] = count / bench::median(searches);
+    state.counters["limit_per_second"] = count / bench::median(limits);
+    state.counters["ratio"] = bench::median(searches) / bench::median(limits);
+    state.counters["probe_ratio"] = bench::median(bareProbes) / bench::median(limits);
 }
 BENCHMARK(missingTextures)
     ->Arg(10)

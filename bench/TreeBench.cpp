@@ -9,33 +9,18 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
-#include <ctime>
 #include <map>
 #include <memory>
 #include <random>
 #include <string>
 #include <vector>
 
+#include "Timing.h"
 #include "raylume/scene/dlModel.h"
 
 namespace {
 
 using Levels = std::array<int, 5>;
-
-// Of the processor: on a busy machine the time on the clock grows with the length of the run.
-template <class Work>
-double secondsOf(Work work)
-{
-    const std::clock_t start = std::clock();
-    work();
-    return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
-}
-
-double median(std::vector<double> values)
-{
-    std::nth_element(values.begin(), values.begin() + static_cast<long>(values.size() / 2), values.end());
-    return values[values.size() / 2];
-}
 
 // Fan-outs from the top down. Ten thousand is one branch of the next larger.
 Levels levelsFor(std::int64_t instances)
@@ -94,7 +79,7 @@ std::unique_ptr<dlModel> modelOf(const std::vector<std::string>& names)
 double secondsOfTree(const std::vector<std::string>& names)
 {
     const auto model = modelOf(names);
-    const double seconds = secondsOf([&] { model->createAssemblyHierarchy(); });
+    const double seconds = bench::secondsOfProcessor([&] { model->createAssemblyHierarchy(); });
     if (model->assemblyRoot->subtreeCount != model->instanceCount)
         std::abort();
     return seconds;
@@ -103,7 +88,7 @@ double secondsOfTree(const std::vector<std::string>& names)
 double secondsOfLeafNames(const std::vector<std::string>& names)
 {
     const auto model = modelOf(names);
-    return secondsOf([&] {
+    return bench::secondsOfProcessor([&] {
         for (std::int32_t i = 0; i < model->instanceCount; ++i) {
             dlInstance& instance = model->instances[i];
             instance.leafName.assign(instance.name, instance.name.rfind('/') + 1);
@@ -127,12 +112,12 @@ void compare(benchmark::State& state, const std::vector<std::string>& names, boo
         trees.push_back(secondsOfTree(names));
         state.SetIterationTime(trees.back());
     }
-    const double perInstance = median(trees) / static_cast<double>(names.size());
+    const double perInstance = bench::median(trees) / static_cast<double>(names.size());
     smallest().try_emplace(shuffled, perInstance);
     state.counters["ns_per_instance"] = perInstance * 1e9;
     state.counters["growth"] = perInstance / smallest()[shuffled];
-    state.counters["limit_ms"] = median(limits) * 1e3;
-    state.counters["ratio"] = median(trees) / median(limits);
+    state.counters["limit_ms"] = bench::median(limits) * 1e3;
+    state.counters["ratio"] = bench::median(trees) / bench::median(limits);
 }
 
 void tree(benchmark::State& state, bool shuffled)

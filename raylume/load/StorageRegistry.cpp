@@ -4,7 +4,8 @@
 
 #include "raylume/platform/Text.h"
 
-std::map<std::wstring, suFileStorage*, PathLess> g_storageRegistry;
+std::map<std::wstring, suFileStorage*, PathLess>& g_storageRegistry =
+    *new std::map<std::wstring, suFileStorage*, PathLess>;
 
 bool PathLess::operator()(const std::wstring& a, const std::wstring& b) const
 {
