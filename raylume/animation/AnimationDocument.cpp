@@ -7,6 +7,7 @@
 #include "raylume/animation/TableDocument.h"
 #include "raylume/platform/CatchAll.h"
 #include "raylume/scene/dlModel.h"
+#include "raylume/services/PathText.h"
 
 namespace {
 
@@ -68,16 +69,9 @@ void readAnimationElements(XmlElement& root, AnimationTracks& tracks, SideFileRe
 
 }  // namespace
 
-// The text is cut as the system of the documents cuts it: both separators count, the last one stays, and
-// without one a drive does. Texts end at their first zero there.
 std::wstring sideFilePath(const std::wstring& documentPath)
 {
-    const std::wstring path = documentPath.substr(0, documentPath.find(L'\0'));
-    std::size_t folder = path.find_last_of(L"\\/") + 1;  // 0 without a separator.
-    if (folder == 0 && path.size() >= 2 && path[1] == L':') {
-        folder = 2;
-    }
-    return path.substr(0, folder) + side_file::kFileName;
+    return driveAndFolder(documentPath) + side_file::kFileName;
 }
 
 void readAnimationDocument(const std::wstring& path, AnimationTracks& tracks, XmlService& service)

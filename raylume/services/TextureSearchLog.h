@@ -52,6 +52,5 @@ using TextureSearchObserver = std::function<void(const TextureSearchRecord&)>;
 /// as soon as it has ended; with an empty one, to nobody. Gives the observer before, to be put back.
 ///
 /// The observer must not raise and must not call this function: what it sets is lost. It may search itself,
-/// and such a search is not observed. A list of folders is observed as part of a search only: a direct call
-/// of the library's searchFolderList reaches no observer.
+/// and such a search is not observed.
 DL_API TextureSearchObserver rlu_observeTextureSearches(TextureSearchObserver observer);

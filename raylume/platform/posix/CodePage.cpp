@@ -9,6 +9,7 @@
 #include <mutex>
 #include <new>
 
+#include "raylume/platform/posix/ShiftJisControls.h"
 #include "raylume/platform/posix/Utf.h"
 
 namespace platform {
@@ -168,20 +169,6 @@ UChar32 asTableHasIt(UChar32 character)
     }
 }
 
-char16_t asByteHasIt(char16_t character)
-{
-    switch (character) {
-    case 0x1C:
-        return 0x1A;
-    case 0x7F:
-        return 0x1C;
-    case 0x1A:
-        return 0x7F;
-    default:
-        return character;
-    }
-}
-
 // For characters of private use the library fits the best that it has, whatever it is told; such a
 // one is taken out of the text before it.
 UChar32 withoutPrivateFit(UConverter* converter, UChar32 character)
@@ -227,7 +214,7 @@ std::wstring decodeWith(UConverter* converter, bool rotatesControls, std::string
     std::u16string units = unitsOf(converter, bytes);
     if (rotatesControls) {
         for (char16_t& unit : units) {
-            unit = asByteHasIt(unit);
+            unit = controlAsByteHasIt(unit);
         }
     }
     return fromUtf16(units);

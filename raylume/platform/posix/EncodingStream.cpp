@@ -7,6 +7,8 @@
 #include <string_view>
 #include <utility>
 
+#include "raylume/platform/posix/ShiftJisControls.h"
+
 namespace platform {
 
 namespace {
@@ -86,7 +88,7 @@ public:
         }
         if (rotatesControls_) {
             for (char* at = start; at < target; ++at) {
-                *at = asByteHasIt(*at);
+                *at = controlAsByteHasIt(*at);
             }
         }
         return static_cast<std::size_t>(target - start);
@@ -111,20 +113,6 @@ private:
         }
         *isBroken_ = *isBroken_ || U_FAILURE(error);
         isOver_ = sawEnd_ || U_FAILURE(error);
-    }
-
-    static char asByteHasIt(char character)
-    {
-        switch (character) {
-        case 0x1C:
-            return 0x1A;
-        case 0x7F:
-            return 0x1C;
-        case 0x1A:
-            return 0x7F;
-        default:
-            return character;
-        }
     }
 
     const std::unique_ptr<InputFile> file_;
