@@ -63,7 +63,7 @@ std::size_t asciiLength(std::string_view bytes)
 }
 
 // The number of ones at the top; 0 for a byte that begins nothing.
-std::size_t lengthFrom(unsigned char first)
+std::size_t lengthFrom(std::uint32_t first)
 {
     for (std::size_t length = 2; length <= kLongest; ++length)
         if (first >> (7 - length) == leadOf(length) >> (7 - length))
@@ -73,7 +73,7 @@ std::size_t lengthFrom(unsigned char first)
 
 std::uint32_t decodeLong(std::string_view bytes, std::size_t& at)
 {
-    const auto first = static_cast<unsigned char>(bytes[at]);
+    const std::uint32_t first = static_cast<unsigned char>(bytes[at]);
     const std::size_t length = lengthFrom(first);
     if (length == 0 || length > bytes.size() - at)
         refuseBytes();
