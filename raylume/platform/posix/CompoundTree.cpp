@@ -82,10 +82,11 @@ void Element::remove(const ElementPtr& child)
     if (place == children_.end())
         return;
     child->detach();
+    const auto gone = static_cast<std::size_t>(place - children_.begin());
     children_.erase(place);
-    places_.clear();
-    for (std::size_t i = 0; i < children_.size(); ++i)
-        places_.emplace(toLower(children_[i]->name_), i);
+    std::erase_if(places_, [gone](const auto& entry) { return entry.second == gone; });
+    for (auto& [name, index] : places_)
+        index -= index > gone ? 1 : 0;
 }
 
 void Element::detach()

@@ -21,10 +21,11 @@ std::size_t lengthOf(std::uint32_t value)
            static_cast<std::size_t>(std::upper_bound(std::begin(kEnds), std::end(kEnds), value) - kEnds);
 }
 
-// The bits above those of the value: as many ones as there are bytes, then a zero.
+// The bits above those of the value: as many ones as there are bytes, then a zero; only the zero for one
+// byte.
 std::uint32_t leadOf(std::size_t length)
 {
-    return 0xFF00u >> length & 0xFFu;
+    return length == 1 ? 0u : 0xFF00u >> length & 0xFFu;
 }
 
 void append(std::string& bytes, std::uint32_t value)
