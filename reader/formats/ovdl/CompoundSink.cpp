@@ -51,7 +51,7 @@ public:
         check(writeHeader(root_, header));
         writeStream(root_, kDocumentName, bytes);
         destroyTessellations();
-        const auto* entries = fb::GetDocument(bytes.data())->tessellations();
+        const auto* entries = flatbuffers::GetRoot<fb::Document>(bytes.data())->tessellations();
         const std::uint32_t count = entries ? entries->size() : 0;
         grouped_ = count >= kGroupedFrom;
         if (count > 0)

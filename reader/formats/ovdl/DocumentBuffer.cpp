@@ -17,35 +17,36 @@ using flatbuffers::Offset;
 using flatbuffers::Vector;
 using Integers = Offset<Vector<std::int32_t>>;
 
+fb::Double3 threeOf(const double (&numbers)[3])
+{
+    return fb::Double3(flatbuffers::span<const double, 3>(numbers));
+}
+
+fb::Float3 threeOf(const float (&numbers)[3])
+{
+    return fb::Float3(flatbuffers::span<const float, 3>(numbers));
+}
+
 // The nine, three and one numbers stand one behind the other in the class, but through bases and members.
 fb::Xform xformOf(const mgXform_c& x)
 {
     const double matrix[] = {x.e0, x.e1, x.e2, x.e3, x.e4, x.e5, x.e6, x.e7, x.e8};
     const double translation[] = {x.translation.x, x.translation.y, x.translation.z};
-    return {matrix, translation, x.scale};
+    return {flatbuffers::span<const double, 9>(matrix), flatbuffers::span<const double, 3>(translation),
+            x.scale};
 }
 
 fb::Double3 colourOf(const color& c)
 {
     const double components[] = {c.r, c.g, c.b};
-    return components;
+    return threeOf(components);
 }
 
 template <class Vector3>
 fb::Double3 vectorOf(const Vector3& v)
 {
     const double components[] = {v.x, v.y, v.z};
-    return components;
-}
-
-fb::Double3 threeOf(const double (&numbers)[3])
-{
-    return flatbuffers::span<const double, 3>(numbers);
-}
-
-fb::Float3 threeOf(const float (&numbers)[3])
-{
-    return flatbuffers::span<const float, 3>(numbers);
+    return threeOf(components);
 }
 
 enum ExtrasBits : std::uint8_t { kBlock = 1, kRecord = 2, kFirst = 4, kSecond = 8 };
@@ -144,21 +145,21 @@ private:
         made.reserve(in_.texts.texts().size());
         for (const std::wstring_view text : in_.texts.texts()) {
             const std::string bytes = encodeText(text);
-            made.push_back(
-                builder_.room(BufferBuilder::vectorBytes(bytes.size(), 1)).CreateString(bytes));
+            made.push_back(builder_.room(BufferBuilder::vectorBytes(bytes.size(), 1)).CreateString(bytes));
         }
         return vector(made);
     }
 
     Offset<fb::Texture> texture(const uoMaterialTextureProperties& from)
     {
-        const fb::Double2 scale(flatbuffers::span<const double, 2>{from.scale});
-        const double fromTo[] = {from.ranges[0][0], from.ranges[0][1], from.ranges[1][0], from.ranges[1][1]};
+        const fb::Double2 scale(flatbuffers::span<const double, 2>(from.scale));
+        const double fromTo[] = {from.ranges[0][0], from.ranges[0][1], from.ranges[1][0],
+                                 from.ranges[1][1]};
         double axes[6];
         for (int i = 0; i < 6; ++i)
             axes[i] = from.directions[i / 3][i % 3];
-        const fb::Double4 ranges(fromTo);
-        const fb::Double6 directions(axes);
+        const fb::Double4 ranges(flatbuffers::span<const double, 4>{fromTo});
+        const fb::Double6 directions(flatbuffers::span<const double, 6>{axes});
         fb::TextureBuilder to(newTable());
         to.add_scale(&scale);
         to.add_ranges(&ranges);

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <limits>
 
-#include "reader/formats/ovdl/ReaderArrays.h"
 #include <ovdl_schema/document_generated.h>
+#include "reader/formats/ovdl/ReaderArrays.h"
 
 namespace ovdl {
 namespace {

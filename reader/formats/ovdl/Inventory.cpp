@@ -63,8 +63,8 @@ void Inventory::addComponent(const uoTempAssemblySHDData_c* component)
     addDecals(component->decals);
 }
 
-// The layout is made anew when the tessellation is written: keeping those of all would take more memory than
-// the document.
+// The layout is made anew when the tessellation is written: keeping those of all would take more memory
+// than the document.
 void Inventory::addTessellation(const uoTempPartTessData_c* tessData)
 {
     if (!tessellations.add(tessData))

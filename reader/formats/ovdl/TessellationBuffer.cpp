@@ -132,12 +132,12 @@ std::vector<fb::Face> faceRecords(Faces faces)
     Runs stripLengths, points, normals, uvs, vizProps, modes;
     std::vector<fb::Face> records;
     for (const uoTempFaceTessData_c* face : faces)
-        records.emplace_back(face->stripCount, face->hasUVs, face->faceId, face->faceKey,
-                             stripLengths.next(elementsOf(face->stripLengths).size()),
-                             points.next(elementsOf(face->points).size()),
-                             normals.next(elementsOf(face->normals).size()),
-                             uvs.next(elementsOf(face->uvs).size()), vizProps.next(face->faceVizProps.size()),
-                             modes.next(face->vizPropModes.size()));
+        records.emplace_back(
+            face->stripCount, face->hasUVs, face->faceId, face->faceKey,
+            stripLengths.next(elementsOf(face->stripLengths).size()),
+            points.next(elementsOf(face->points).size()), normals.next(elementsOf(face->normals).size()),
+            uvs.next(elementsOf(face->uvs).size()), vizProps.next(face->faceVizProps.size()),
+            modes.next(face->vizPropModes.size()));
     return records;
 }
 
@@ -161,8 +161,8 @@ Offset<Vector<T>> concatenated(Faces faces, ArrayMember<T> member, BufferBuilder
     if (count == 0)
         return 0;
     T* to = nullptr;
-    const Offset<Vector<T>> vector = builder.room(BufferBuilder::vectorBytes(count, sizeof(T)))
-                                         .CreateUninitializedVector<T>(count, &to);
+    const Offset<Vector<T>> vector =
+        builder.room(BufferBuilder::vectorBytes(count, sizeof(T))).CreateUninitializedVector<T>(count, &to);
     for (const uoTempFaceTessData_c* face : faces) {
         const std::span<const T> values = elementsOf(face->*member);
         if (!values.empty())

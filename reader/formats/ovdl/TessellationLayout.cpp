@@ -35,8 +35,7 @@ private:
 
     void addBody(const uoTempBodyTessData_c& body)
     {
-        checkArray(body.faces,
-                   where_ + ", body " + std::to_string(made_.bodies.of(&body)) + ", faces");
+        checkArray(body.faces, where_ + ", body " + std::to_string(made_.bodies.of(&body)) + ", faces");
         for (const uoTempFaceTessData_c* face : elementsOf(body.faces))
             if (made_.faces.add(face))
                 checkFace(*face, where_ + ", face " + std::to_string(made_.faces.of(face)));
