@@ -82,6 +82,8 @@ inline constexpr unsigned long kForeignDocumentVersion = 12000;
 std::vector<std::unique_ptr<DocumentFormat>> makeFormats();
 
 std::unique_ptr<DocumentFormat> makePreparedFormat();
+/// Asked before glTF, which is JSON too.
+std::unique_ptr<DocumentFormat> makeOvdlJsonFormat();
 std::unique_ptr<DocumentFormat> makeGltfFormat();
 /// Recognises every compound file and rejects it, so it is asked last.
 std::unique_ptr<DocumentFormat> makeCompoundFormat();

@@ -79,7 +79,9 @@ bool appendQuoted(std::string& target, std::wstring_view text)
     return true;
 }
 
-Layout::Layout(TextOutput output) : output_(std::move(output)) {}
+Layout::Layout(TextOutput output) : output_(std::move(output))
+{
+}
 
 void Layout::write(std::string_view text)
 {

@@ -1,9 +1,9 @@
 #include "reader/formats/ovdl/JsonSchema.h"
 
+#include <ovdl_schema/reflection_bfbs_generated.h>
 #include <algorithm>
 #include <cassert>
 #include <cstring>
-#include <ovdl_reflection/document_bfbs_generated.h>
 
 namespace ovdl::json {
 namespace {
@@ -37,7 +37,10 @@ const reflection::KeyValue* attribute(const reflection::Field& source, const cha
 
 class Description {
 public:
-    Description() : schema_(*reflection::GetSchema(ovdl::fb::DocumentBinarySchema::data()))
+    // A copy, since the data as it is embedded may begin anywhere.
+    Description()
+        : bytes_(fb::DocumentBinarySchema::begin(), fb::DocumentBinarySchema::end()),
+          schema_(*reflection::GetSchema(bytes_.data()))
     {
         objects_.resize(schema_.objects()->size());
         for (std::size_t i = 0; i < objects_.size(); ++i)
@@ -67,8 +70,8 @@ private:
         // They come by name.
         std::sort(object.fields.begin(), object.fields.end(),
                   [](const Field& a, const Field& b) { return a.offset < b.offset; });
-        const bool hasArray =
-            std::any_of(object.fields.begin(), object.fields.end(), [](auto& field) { return field.isArray(); });
+        const bool hasArray = std::any_of(object.fields.begin(), object.fields.end(),
+                                          [](auto& field) { return field.isArray(); });
         object.isBare = object.isStruct && hasArray && object.fields.size() == 1;
         object.isWhole = object.isStruct && hasArray;
     }
@@ -96,7 +99,8 @@ private:
         for (const reflection::Object* source : *schema_.objects())
             for (const reflection::Field* field : *source->fields())
                 if (const auto* run = attribute(*field, "slice"))
-                    join(root, named(withoutNamespace(*source->name())), field->name()->str(), run->value()->str());
+                    join(root, named(withoutNamespace(*source->name())), field->name()->str(),
+                         run->value()->str());
     }
     void join(Object& root, Object& owner, const std::string& name, const std::string& vector)
     {
@@ -107,8 +111,12 @@ private:
         const_cast<Field&>(owner.field(name)).run = target;
         owner.hasRuns = true;
     }
-    static void hide(Object& root, const char* name) { const_cast<Field&>(root.field(name)).isHidden = true; }
+    static void hide(Object& root, const char* name)
+    {
+        const_cast<Field&>(root.field(name)).isHidden = true;
+    }
 
+    std::vector<std::uint8_t> bytes_;
     const reflection::Schema& schema_;
     std::vector<Object> objects_;
 };

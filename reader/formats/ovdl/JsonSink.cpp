@@ -1,8 +1,8 @@
+#include <ovdl_schema/document_generated.h>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
-#include <ovdl_schema/document_generated.h>
 #include <string>
 
 #include "reader/formats/ovdl/JsonLayout.h"
@@ -50,7 +50,8 @@ void appendReal(std::string& target, Place at)
     if (std::isfinite(number))
         appendNumber<Real>(target, at);
     else
-        appendBits(target, bitsAt(at, sizeof(Real) == 4 ? reflection::Float : reflection::Double), 2 * sizeof(Real));
+        appendBits(target, bitsAt(at, sizeof(Real) == 4 ? reflection::Float : reflection::Double),
+                   2 * sizeof(Real));
 }
 
 void appendScalar(std::string& target, Place at, Base type)
@@ -100,8 +101,9 @@ struct Record {
     /// Where a field stands; null for one that a table leaves out.
     Place field(const Field& field) const
     {
-        return object.isStruct ? at + field.offset
-                               : reinterpret_cast<const flatbuffers::Table*>(at)->GetAddressOf(field.offset);
+        return object.isStruct
+                   ? at + field.offset
+                   : reinterpret_cast<const flatbuffers::Table*>(at)->GetAddressOf(field.offset);
     }
 };
 
@@ -128,8 +130,8 @@ struct Elements {
 Elements vectorAt(Place offset, const Field& field)
 {
     const Place vector = follow(offset);
-    return {vector + 4, flatbuffers::ReadScalar<flatbuffers::uoffset_t>(vector), field.element, field.object,
-            field.isText};
+    return {vector + 4, flatbuffers::ReadScalar<flatbuffers::uoffset_t>(vector), field.element,
+            field.object, field.isText};
 }
 
 // Writes the records of one buffer.
@@ -275,7 +277,8 @@ private:
     {
         short_ += '[';
         for (const wchar_t c : text)
-            short_.append(short_.back() == '[' ? "" : ", ").append(std::to_string(static_cast<std::uint32_t>(c)));
+            short_.append(short_.back() == '[' ? "" : ", ")
+                .append(std::to_string(static_cast<std::uint32_t>(c)));
         short_ += ']';
     }
 
@@ -332,7 +335,8 @@ public:
     {
         if (number != number_ || piece != piece_ || number >= pieces_.size() || pieces != pieces_[number])
             refuse("the tessellations do not come in their order");
-        const Record root = checkedRoot<fb::Tessellation>(roots().tessellation, bytes, kTessellationIdentifier);
+        const Record root =
+            checkedRoot<fb::Tessellation>(roots().tessellation, bytes, kTessellationIdentifier);
         if (piece == 0)
             beginTessellation();
         layout_.write(pieces > 1 && piece == 0 ? "[" : piece > 0 ? "," : "");

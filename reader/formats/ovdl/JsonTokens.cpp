@@ -39,7 +39,8 @@ std::size_t utf8Length(const char* at, const char* end)
     const auto first = static_cast<unsigned char>(*at);
     const auto left = static_cast<std::size_t>(end - at);
     const auto rest = [at](std::size_t from, std::size_t count) {
-        return std::all_of(at + from, at + count, [](const char& c) { return isContinuation(&c, 0x80, 0xBF); });
+        return std::all_of(at + from, at + count,
+                           [](const char& c) { return isContinuation(&c, 0x80, 0xBF); });
     };
     if (first < 0x80)
         return 1;
@@ -62,7 +63,9 @@ std::size_t utf8Length(const char* at, const char* end)
 
 void appendUtf8(std::string& target, std::uint32_t value)
 {
-    const auto tail = [value](unsigned shift) { return static_cast<char>(0x80 | ((value >> shift) & 0x3F)); };
+    const auto tail = [value](unsigned shift) {
+        return static_cast<char>(0x80 | ((value >> shift) & 0x3F));
+    };
     if (value < 0x80) {
         target += static_cast<char>(value);
     } else if (value < 0x800) {
@@ -81,10 +84,11 @@ std::string quoted(std::string_view text)
     // Not in the middle of a character.
     while (length < text.size() && length > 0 && (static_cast<unsigned char>(text[length]) & 0xC0) == 0x80)
         --length;
-    std::string result = "\"" + std::string(text.substr(0, length)) + (length < text.size() ? "...\"" : "\"");
+    std::string result =
+        "\"" + std::string(text.substr(0, length)) + (length < text.size() ? "...\"" : "\"");
     std::replace_if(
-        result.begin(), result.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; },
-        ' ');
+        result.begin(), result.end(),
+        [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; }, ' ');
     return result;
 }
 
@@ -101,7 +105,8 @@ void Tokens::fail(const std::string& reason) const
     const char* start = token_;
     while (start > begin_ && start[-1] != '\n')
         --start;
-    refuse("line " + std::to_string(line) + ", column " + std::to_string(token_ - start + 1) + ": " + reason);
+    refuse("line " + std::to_string(line) + ", column " + std::to_string(token_ - start + 1) + ": " +
+           reason);
 }
 
 void Tokens::failHere(const std::string& reason)
