@@ -21,10 +21,11 @@ std::size_t lengthOf(std::uint32_t value)
            static_cast<std::size_t>(std::upper_bound(std::begin(kEnds), std::end(kEnds), value) - kEnds);
 }
 
-// The bits above those of the value: as many ones as there are bytes, then a zero.
+// The bits above those of the value: as many ones as there are bytes, then a zero; only the zero for one
+// byte.
 std::uint32_t leadOf(std::size_t length)
 {
-    return 0xFF00u >> length & 0xFFu;
+    return length == 1 ? 0u : 0xFF00u >> length & 0xFFu;
 }
 
 void append(std::string& bytes, std::uint32_t value)
@@ -63,7 +64,7 @@ std::size_t asciiLength(std::string_view bytes)
 }
 
 // The number of ones at the top; 0 for a byte that begins nothing.
-std::size_t lengthFrom(unsigned char first)
+std::size_t lengthFrom(std::uint32_t first)
 {
     for (std::size_t length = 2; length <= kLongest; ++length)
         if (first >> (7 - length) == leadOf(length) >> (7 - length))
@@ -73,7 +74,7 @@ std::size_t lengthFrom(unsigned char first)
 
 std::uint32_t decodeLong(std::string_view bytes, std::size_t& at)
 {
-    const auto first = static_cast<unsigned char>(bytes[at]);
+    const std::uint32_t first = static_cast<unsigned char>(bytes[at]);
     const std::size_t length = lengthFrom(first);
     if (length == 0 || length > bytes.size() - at)
         refuseBytes();
