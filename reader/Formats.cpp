@@ -8,7 +8,10 @@ std::vector<std::unique_ptr<DocumentFormat>> makeFormats()
 {
     std::vector<std::unique_ptr<DocumentFormat>> formats;
     formats.push_back(makePreparedFormat());
+    formats.push_back(makeOvdlJsonFormat());
     formats.push_back(makeGltfFormat());
+    formats.push_back(makeStepFormat());
+    formats.push_back(makeOvdlFormat());
     formats.push_back(makeCompoundFormat());
     return formats;
 }

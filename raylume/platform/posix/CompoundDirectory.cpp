@@ -95,9 +95,11 @@ public:
         const std::uint64_t end = std::min<std::uint64_t>(next.size(), limit);
         taken_.resize(next.size());
         std::uint64_t count = 0;
+        inOrder_ = true;
         std::uint32_t sector = first;
         for (; sector < end && !taken_[sector]; sector = next[sector]) {
             taken_[sector] = true;
+            inOrder_ = inOrder_ && sector == first + count;
             ++count;
             if (sectors)
                 sectors->push_back(sector);
@@ -107,8 +109,12 @@ public:
         return count;
     }
 
+    /// Whether the sectors of the chain last taken lie one behind the other.
+    bool inOrder() const { return inOrder_; }
+
 private:
     std::vector<bool> taken_;
+    bool inOrder_ = true;
 };
 
 class DirectoryReader {
@@ -319,7 +325,10 @@ private:
             describeStorage(bytes, entry);
         } else {
             entry.size = sizeOf(bytes);
-            entry.damaged = entry.size > 0 && !isWhole(get32(bytes + 116), entry.size);
+            const std::uint32_t first = get32(bytes + 116);
+            entry.damaged = entry.size > 0 && !isWhole(first, entry.size);
+            if (!entry.damaged && entry.size >= kSmallLimit)
+                entry.place = pieceAt(first, entry.size);
         }
         return entry;
     }
@@ -346,6 +355,15 @@ private:
         const auto count = (small ? smallTable_ : table_).take(first);
         const std::uint64_t room = !count ? 0 : *count << (small ? kSmallSectorShift : shift_);
         return room >= size && (!small || size <= smallStreamSize_);
+    }
+
+    // Of the chain last taken. The last sector of a file may be short of a whole one.
+    std::optional<std::uint64_t> pieceAt(std::uint32_t first, std::uint64_t size) const
+    {
+        const std::uint64_t place = (std::uint64_t{first} + 1) << shift_;
+        if (!table_.inOrder() || place > file_.size() || size > file_.size() - place)
+            return std::nullopt;
+        return place;
     }
 
     const FileBytes& file_;

@@ -20,6 +20,8 @@ public:
     virtual std::uint64_t size() const = 0;
     /// Reads exactly `count` bytes; false when they are not all there.
     virtual bool read(std::uint64_t offset, void* buffer, std::size_t count) const = 0;
+    /// Where the bytes of a file stand that lies in memory as a whole; null for any other.
+    virtual const unsigned char* inMemory() const { return nullptr; }
 };
 
 struct DirectoryEntry {
@@ -29,6 +31,8 @@ struct DirectoryEntry {
     /// In microseconds since 1970.
     std::optional<std::int64_t> modified;
     std::uint64_t size = 0;
+    /// Where in the file a stream begins that lies in one piece.
+    std::optional<std::uint64_t> place;
     /// A stream whose sectors are not all there, or are another's too.
     bool damaged = false;
     /// Places in Directory::entries.

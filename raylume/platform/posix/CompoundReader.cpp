@@ -88,7 +88,10 @@ private:
 
 class GsfStream final : public StreamSource {
 public:
-    explicit GsfStream(Object<GsfInput> input) : input_(std::move(input)) {}
+    GsfStream(Object<GsfInput> input, std::shared_ptr<const unsigned char> inPlace)
+        : input_(std::move(input)), inPlace_(std::move(inPlace))
+    {
+    }
 
     std::uint64_t size() const override { return static_cast<std::uint64_t>(gsf_input_size(input_.get())); }
 
@@ -98,8 +101,11 @@ public:
                               gsf_input_read(input_.get(), count, static_cast<guint8*>(buffer)));
     }
 
+    std::shared_ptr<const unsigned char> inPlace() const override { return inPlace_; }
+
 private:
     Object<GsfInput> input_;
+    std::shared_ptr<const unsigned char> inPlace_;
 };
 
 class EmptyStream final : public StreamSource {
@@ -110,8 +116,10 @@ public:
 
 class GsfOpener final : public StreamOpener {
 public:
-    GsfOpener(std::shared_ptr<OpenedStorage> storage, const std::wstring& name, const DirectoryEntry& entry)
-        : storage_(std::move(storage)), name_(toUtf8(name)), size_(entry.size), damaged_(entry.damaged)
+    GsfOpener(std::shared_ptr<OpenedStorage> storage, const DirectoryEntry& entry,
+              std::shared_ptr<const unsigned char> inPlace)
+        : storage_(std::move(storage)), name_(toUtf8(entry.name)), size_(entry.size), damaged_(entry.damaged),
+          inPlace_(std::move(inPlace))
     {
     }
 
@@ -125,7 +133,7 @@ public:
         Object<GsfInput> input = storage_->open(name_);
         if (!input || gsf_input_size(input.get()) != static_cast<gsf_off_t>(size_))
             return nullptr;
-        return std::make_shared<GsfStream>(std::move(input));
+        return std::make_shared<GsfStream>(std::move(input), inPlace_);
     }
 
 private:
@@ -133,11 +141,15 @@ private:
     std::string name_;
     std::uint64_t size_;
     bool damaged_;
+    std::shared_ptr<const unsigned char> inPlace_;
 };
 
 class TreeBuilder {
 public:
-    explicit TreeBuilder(const Directory& directory) : directory_(directory) {}
+    TreeBuilder(const Directory& directory, std::shared_ptr<const FileBytes> file)
+        : directory_(directory), file_(std::move(file))
+    {
+    }
 
     ElementPtr build(Object<GsfInfile> root) const
     {
@@ -162,13 +174,21 @@ private:
     {
         if (!entry.isStorage)
             return std::make_shared<Element>(entry.name,
-                                             std::make_unique<GsfOpener>(parent, entry.name, entry));
+                                             std::make_unique<GsfOpener>(parent, entry, inPlace(entry)));
         auto element = std::make_shared<Element>(entry.name, Kind::kStorage, depth);
         fill(*element, entry, std::make_shared<OpenedStorage>(parent, entry.name));
         return element;
     }
 
+    std::shared_ptr<const unsigned char> inPlace(const DirectoryEntry& entry) const
+    {
+        if (!entry.place || !file_->inMemory())
+            return nullptr;
+        return {file_, file_->inMemory() + *entry.place};
+    }
+
     const Directory& directory_;
+    std::shared_ptr<const FileBytes> file_;
 };
 
 // A file whose damaged streams have no bytes. libgsf drops a stream that claims more than the file has,
@@ -257,7 +277,7 @@ HResult readTree(const std::shared_ptr<const FileBytes>& file, ElementPtr& root,
         return kStorageOutOfMemory;
     if (!opening.root)
         return kStorageCorrupt;
-    root = TreeBuilder(directory).build(std::move(opening.root));
+    root = TreeBuilder(directory, file).build(std::move(opening.root));
     sectorSize = directory.sectorSize;
     return kStorageOk;
 }

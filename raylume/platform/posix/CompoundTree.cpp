@@ -6,6 +6,7 @@
 #include <new>
 #include <utility>
 
+#include "raylume/platform/MappedCompoundFile.h"
 #include "raylume/platform/Text.h"
 
 namespace platform::compound {
@@ -54,19 +55,24 @@ Element::Element(std::wstring name, std::unique_ptr<StreamOpener> opener)
 
 ElementPtr Element::find(std::wstring_view name) const
 {
-    ElementPtr similar;
-    for (const ElementPtr& child : children_) {
-        if (child->name_ == name)
-            return child;
-        if (!similar && compareIgnoringCase(child->name_, name) == 0)
-            similar = child;
+    const auto [first, last] = places_.equal_range(toLower(name));
+    if (first == last)
+        return nullptr;
+    // Children that only differ in case are few; of two with one name the first counts.
+    std::size_t similar = children_.size();
+    std::size_t exact = children_.size();
+    for (auto place = first; place != last; ++place) {
+        similar = std::min(similar, place->second);
+        if (children_[place->second]->name_ == name)
+            exact = std::min(exact, place->second);
     }
-    return similar;
+    return children_[exact < children_.size() ? exact : similar];
 }
 
 void Element::add(ElementPtr child)
 {
     child->depth_ = depth_ + 1;
+    places_.emplace(toLower(child->name_), children_.size());
     children_.push_back(std::move(child));
 }
 
@@ -76,7 +82,11 @@ void Element::remove(const ElementPtr& child)
     if (place == children_.end())
         return;
     child->detach();
+    const auto gone = static_cast<std::size_t>(place - children_.begin());
     children_.erase(place);
+    std::erase_if(places_, [gone](const auto& entry) { return entry.second == gone; });
+    for (auto& [name, index] : places_)
+        index -= index > gone ? 1 : 0;
 }
 
 void Element::detach()
@@ -229,6 +239,27 @@ public:
     /// Before the first read, so that a damaged stream fails when it is opened.
     bool open() { return element_->openBytes(source_); }
 
+    /// All of the bytes, wherever Read() has come to.
+    HResult bytes(StreamBytes& bytes) const
+    {
+        if (element_->detached())
+            return kStorageReverted;
+        const EditedBytes* edited = element_->edited();
+        if (!edited && source_->inPlace()) {
+            bytes = {source_->inPlace(), static_cast<std::size_t>(source_->size())};
+            return kStorageOk;
+        }
+        const auto size = static_cast<std::size_t>(edited ? edited->size() : source_->size());
+        // Not set to zero first: all of it is read.
+        const std::shared_ptr<unsigned char[]> copy(new unsigned char[size]);
+        if (edited)
+            edited->read(0, copy.get(), size);
+        else if (!source_->read(0, copy.get(), size))
+            return kStorageReadFault;
+        bytes = {std::shared_ptr<const unsigned char>(copy, copy.get()), size};
+        return kStorageOk;
+    }
+
     HResult Read(void* buffer, std::uint32_t size, std::uint32_t* read) override
     {
         std::uint32_t ignored;
@@ -295,6 +326,9 @@ private:
 class StorageView final : public View<IStorage> {
 public:
     using View::View;
+
+    const ElementPtr& element() const { return element_; }
+    HResult put(const ElementPtr& element) { return insert(element, kModeReadWrite + kModeCreate); }
 
     HResult OpenStream(const wchar_t* name, std::uint32_t mode, IStream** stream) override
     {
@@ -403,23 +437,30 @@ private:
     {
         if (!name)
             return kStorageInvalidPointer;
+        auto made = std::make_shared<Element>(name, kind);
+        const HResult result = insert(made, mode);
+        if (result >= 0)
+            element = std::move(made);
+        return result;
+    }
+
+    HResult insert(const ElementPtr& made, std::uint32_t mode)
+    {
         if (element_->detached())
             return kStorageReverted;
         if (!writable_)
             return kStorageAccessDenied;
         if ((mode & 3u) == 3u)
             return kStorageInvalidFlag;
-        if (!isValidName(name))
+        if (!isValidName(made->name()))
             return kStorageInvalidName;
         if (element_->depth() >= kDeepestStorage)
             return kStorageTooLarge;
-        auto made = std::make_shared<Element>(name, kind);
-        const HResult result = makeRoom(name, mode);
+        const HResult result = makeRoom(made->name(), mode);
         if (result < 0)
             return result;
         element_->add(made);
         tree_->touch();
-        element = std::move(made);
         return kStorageOk;
     }
 
@@ -448,4 +489,32 @@ IStorage* viewTree(ElementPtr root, std::unique_ptr<TreeWriter> writer, bool uns
     return new StorageView(std::move(tree), std::move(root), writable);
 }
 
+ElementPtr elementOf(IStorage& view)
+{
+    const auto* shown = dynamic_cast<StorageView*>(&view);
+    return shown ? shown->element() : nullptr;
+}
+
+HResult putElement(IStorage& view, ElementPtr element)
+{
+    auto* shown = dynamic_cast<StorageView*>(&view);
+    return shown ? shown->put(element) : kNotImplemented;
+}
+
 }  // namespace platform::compound
+
+namespace platform {
+
+HResult streamBytes(IStorage& storage, const wchar_t* name, StreamBytes& bytes)
+{
+    IStream* stream = nullptr;
+    const HResult result = storage.OpenStream(name, kModeExclusive + kModeRead, &stream);
+    if (result < 0)
+        return result;
+    const auto* view = dynamic_cast<compound::StreamView*>(stream);
+    const HResult got = view ? compound::guarded([&] { return view->bytes(bytes); }) : kNotImplemented;
+    stream->Release();
+    return got;
+}
+
+}  // namespace platform

@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "raylume/platform/CompoundFile.h"
@@ -46,6 +47,8 @@ public:
     virtual std::uint64_t size() const = 0;
     /// Reads exactly `count` bytes, which lie within size(). False when they cannot be had.
     virtual bool read(std::uint64_t offset, void* buffer, std::size_t count) = 0;
+    /// Where all of the bytes stand, if they do in one piece in memory, with what keeps them there.
+    virtual std::shared_ptr<const unsigned char> inPlace() const { return nullptr; }
 };
 
 /// The bytes of a stream that was written to, in pieces, so that growing moves nothing.
@@ -117,6 +120,8 @@ private:
     std::weak_ptr<StreamSource> source_;
     std::unique_ptr<EditedBytes> edited_;
     std::vector<ElementPtr> children_;
+    /// By lower-cased name: places in children_.
+    std::unordered_multimap<std::wstring, std::size_t> places_;
     int depth_ = 0;
     bool detached_ = false;
 };
@@ -160,5 +165,11 @@ HResult copyBytes(Element& stream, Sink sink)
 /// Gives the first view of a tree, with one reference. With a `writer` the view is writable;
 /// `unsaved` says that the tree differs from the file before anything was edited.
 IStorage* viewTree(ElementPtr root, std::unique_ptr<TreeWriter> writer, bool unsaved);
+
+/// What a view shows; null for a storage that is no view of a tree.
+ElementPtr elementOf(IStorage& view);
+/// Puts an element into what a view shows, in the place of one of that name. Errors: as
+/// IStorage::CreateStorage; kNotImplemented for what is no view.
+HResult putElement(IStorage& view, ElementPtr element);
 
 }  // namespace platform::compound
