@@ -61,12 +61,12 @@ void writeTo(platform::AnonymousFile& file, const PreparedDocument& document)
     root->AddRef();
 }
 
-void import(const ImportRequest& request, HostLink& link)
+void importModel(const ImportRequest& request, HostLink& link)
 {
     const auto file = platform::AnonymousFile::inherited(platform::kChildFile);
     if (!file || !platform::limitThisProcess(limitsOf(request.limits)))
         throw Refusal{kNotStarted};
-    Message::DefaultMessenger()->ChangePrinters().Clear();
+    ::Message::DefaultMessenger()->ChangePrinters().Clear();
     const Model model = readModel(request.path, link);
     auto* document = new PreparedDocument;
     makeDocument(model, request, link, *document);
@@ -86,7 +86,7 @@ std::string textOf(const Standard_Failure& failure)
 void importAndReport(const ImportRequest& request, HostLink& link)
 {
     try {
-        import(request, link);
+        importModel(request, link);
     } catch (const Refusal& refusal) {
         link.say(Message::kRefused, refusal.reason);
     } catch (const OutputFull&) {
