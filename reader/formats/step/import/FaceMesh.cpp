@@ -16,6 +16,9 @@
 namespace ovdl::step {
 namespace {
 
+// What a vertex has in a table of the library that no triangle has.
+constexpr std::uint32_t kUnused = ~0u;
+
 std::size_t nodesOf(const Poly_Triangulation& mesh)
 {
     return static_cast<std::size_t>(mesh.NbNodes());
@@ -194,14 +197,16 @@ void FaceMesh::joinSeams()
     const std::size_t count = vertices_.points.size() / 3;
     remap_.resize(count);
     const std::size_t unique = meshopt_generateVertexRemap(
-        remap_.data(), nullptr, count, vertices_.points.data(), count, 3 * sizeof(float));
+        remap_.data(), list_.data(), list_.size(), vertices_.points.data(), count, 3 * sizeof(float));
     if (unique == count)
         return;
     constexpr float kSame = 0.9999f;
-    std::vector<std::uint32_t> first(unique, ~0u);
+    std::vector<std::uint32_t> first(unique, kUnused);
     for (std::size_t i = 0; i < count; ++i) {
+        if (remap_[i] == kUnused)
+            continue;
         std::uint32_t& twin = first[remap_[i]];
-        if (twin == ~0u)
+        if (twin == kUnused)
             twin = static_cast<std::uint32_t>(i);
         const float* a = &vertices_.normals[3 * std::size_t{twin}];
         float* b = &vertices_.normals[3 * i];
@@ -228,11 +233,12 @@ TriangleList FaceMesh::weld()
         {vertices_.normals.data(), 3 * sizeof(float), 3 * sizeof(float)},
         {vertices_.uvs.data(), 2 * sizeof(float), 2 * sizeof(float)}};
     remap_.resize(count);
-    meshopt_generateVertexRemapMulti(remap_.data(), nullptr, count, count, streams, 3);
+    meshopt_generateVertexRemapMulti(remap_.data(), list_.data(), list_.size(), count, streams, 3);
     // By the first of those that are equal, so that ids stay indices of vertices.
-    std::vector<std::uint32_t> first(count, ~0u);
+    std::vector<std::uint32_t> first(count, kUnused);
     for (std::size_t i = 0; i < count; ++i)
-        first[remap_[i]] = std::min(first[remap_[i]], static_cast<std::uint32_t>(i));
+        if (remap_[i] != kUnused)
+            first[remap_[i]] = std::min(first[remap_[i]], static_cast<std::uint32_t>(i));
     std::size_t written = 0;
     for (std::size_t i = 0; i + 3 <= list_.size(); i += 3) {
         std::uint32_t corners[3];
