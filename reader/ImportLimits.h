@@ -26,12 +26,13 @@ struct Tessellation {
     double degrees = 20;
 };
 
-/// Limits of all reads from now on. Until this is called they are the defaults above, or what the environment
-/// says on each read: RAYLUME_IMPORT_SECONDS, RAYLUME_IMPORT_MEGABYTES, RAYLUME_IMPORT_OUTPUT_MEGABYTES.
+/// Limits of all reads from now on. Until this is called they are the defaults above, or what the
+/// environment says on each read: RAYLUME_IMPORT_SECONDS, RAYLUME_IMPORT_MEGABYTES,
+/// RAYLUME_IMPORT_OUTPUT_MEGABYTES.
 OVDL_API void setImportLimits(const ImportLimits& limits);
 
-/// Tessellation of all reads from now on; false, and nothing changed, for numbers out of range. Until this is
-/// called it is the default, or what RAYLUME_TESSELLATION says: "<deflection>,<degrees>".
+/// Tessellation of all reads from now on; false, and nothing changed, for numbers out of range. Until this
+/// is called it is the default, or what RAYLUME_TESSELLATION says: "<deflection>,<degrees>".
 OVDL_API bool setTessellation(const Tessellation& tessellation);
 
 }  // namespace ovdl

@@ -1,8 +1,8 @@
 // A program that this process starts, listens to and ends. The other end is WorkerProcess.h.
 //
 // The host may be anybody's: it may ignore its children, wait for all of them itself, or have given out the
-// numbers 0 to 2 for files of its own. So how a child ended is a hint and nothing more; what it did is told by
-// what it writes.
+// numbers 0 to 2 for files of its own. So how a child ended is a hint and nothing more; what it did is told
+// by what it writes.
 #pragma once
 
 #include <memory>

@@ -15,8 +15,8 @@ struct WorkerLimits {
     std::uint64_t fileBytes = 0;
 };
 
-/// Holds this process to limits that it cannot raise again, and keeps it from leaving its memory behind in a
-/// file when it crashes. Past the limit of files a write fails, without a signal. False when the system
+/// Holds this process to limits that it cannot raise again, and keeps it from leaving its memory behind in
+/// a file when it crashes. Past the limit of files a write fails, without a signal. False when the system
 /// refuses.
 PLATFORM_API bool limitThisProcess(const WorkerLimits& limits);
 
@@ -24,9 +24,9 @@ PLATFORM_API bool limitThisProcess(const WorkerLimits& limits);
 /// started it has ended.
 PLATFORM_API void endWithPipe(int pipe);
 
-/// From now on a signal that ends this process for a fault of its own (a bad access, an arithmetic fault, an
-/// abort, no processor time left) writes one line first: `word`, a blank and the signal's number.
-/// `word` has at most 16 characters.
+/// From now on a signal that ends this process for a fault of its own (a bad access, an arithmetic fault,
+/// an abort, no processor time left) writes one line first: `word`, a blank and the signal's number. `word`
+/// has at most 16 characters.
 PLATFORM_API void announceCrashes(int pipe, std::string_view word);
 
 /// False when the text could not be written, which the process seldom lives to see: see endWithPipe().

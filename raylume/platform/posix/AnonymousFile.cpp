@@ -15,8 +15,8 @@ namespace platform {
 
 namespace {
 
-// Nobody keeps such a file, so large sectors waste nothing, and streams are looked up in short tables.
-constexpr std::size_t kSectors = 4096;
+// With large ones libgsf counts a sector of its table too many, behind the end of the file.
+constexpr std::size_t kSectors = 512;
 
 std::uint64_t sizeOf(int number)
 {

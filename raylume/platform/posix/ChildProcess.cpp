@@ -126,8 +126,8 @@ pid_t spawn(const std::string& program, const std::vector<std::string>& argument
     texts.insert(texts.end(), arguments.begin(), arguments.end());
     std::vector<std::string> values = variables(environment);
     pid_t child = -1;
-    const bool started = actions.get() &&
-                         posix_spawn(&child, program.c_str(), actions.get(), attributes.get(),
+    const bool started =
+        actions.get() && posix_spawn(&child, program.c_str(), actions.get(), attributes.get(),
                                      pointersTo(texts).data(), pointersTo(values).data()) == 0;
     return started ? child : -1;
 }
@@ -153,8 +153,8 @@ bool isRunning(pid_t child)
 
 class PosixChild final : public ChildProcess {
 public:
-    // A host that ignores its children loses their numbers to others as soon as they end. The child held its
-    // end of the pipe after the handle was made, so the handle is that child's.
+    // A host that ignores its children loses their numbers to others as soon as they end. The child held
+    // its end of the pipe after the handle was made, so the handle is that child's.
     PosixChild(pid_t child, FileHandle pipe)
         : child_(child), pipe_(std::move(pipe)), handle_(openHandle(child))
     {
@@ -191,8 +191,8 @@ ChildProcess::Heard PosixChild::listen(int milliseconds, std::string& text)
     return count < 0 && errno == EINTR ? Heard::kNothing : Heard::kEnd;
 }
 
-// Without a handle that is sure, the number is the child's as long as nobody has waited for it, which a host
-// that ignores its children has done at once.
+// Without a handle that is sure, the number is the child's as long as nobody has waited for it, which a
+// host that ignores its children has done at once.
 void PosixChild::kill()
 {
     if (isReaped_) {

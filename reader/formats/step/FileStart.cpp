@@ -39,8 +39,9 @@ bool isIges(std::string_view start)
     constexpr std::size_t kLetter = 72;
     constexpr std::size_t kLine = 80;
     const std::string_view number = start.substr(std::min(start.size(), kLetter + 1), kLine - kLetter - 1);
-    const bool counts = number.size() == kLine - kLetter - 1 && number.back() == '1' &&
-                        number.substr(0, number.size() - 1).find_first_not_of(" 0") == std::string_view::npos;
+    const bool counts =
+        number.size() == kLine - kLetter - 1 && number.back() == '1' &&
+        number.substr(0, number.size() - 1).find_first_not_of(" 0") == std::string_view::npos;
     return counts && start[kLetter] == 'S' &&
            std::none_of(start.begin(), start.begin() + kLetter, [](unsigned char c) { return c < 0x20; });
 }

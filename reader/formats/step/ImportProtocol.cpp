@@ -18,8 +18,9 @@ struct Word {
 };
 
 constexpr Word kWords[] = {
-    {Message::kProgress, "progress"},     {Message::kRefused, "refused"},   {Message::kNoMemory, "no-memory"},
-    {Message::kOutputFull, "output-full"}, {Message::kCrashed, "crashed"}, {Message::kComplete, "ovdl-complete-1"},
+    {Message::kProgress, "progress"},  {Message::kRefused, "refused"},
+    {Message::kNoMemory, "no-memory"}, {Message::kOutputFull, "output-full"},
+    {Message::kCrashed, "crashed"},    {Message::kComplete, "ovdl-complete-1"},
 };
 
 template <class T>

@@ -1,5 +1,5 @@
-// What the reader and its import program tell each other: the arguments of the program, and the lines that it
-// writes to its pipe. The program has the numbers of its handles from platform/ChildProcess.h.
+// What the reader and its import program tell each other: the arguments of the program, and the lines that
+// it writes to its pipe. The program has the numbers of its handles from platform/ChildProcess.h.
 #pragma once
 
 #include <cstdint>

@@ -153,8 +153,9 @@ private:
         if (size_ && reason_.empty() && text_.empty())
             return std::nullopt;
         if (reason_.empty())
-            reason_ = end && end->bySignal ? endedBy(static_cast<std::uint64_t>(end->number), request_.limits)
-                                           : "the import program ended without a result";
+            reason_ = end && end->bySignal
+                          ? endedBy(static_cast<std::uint64_t>(end->number), request_.limits)
+                          : "the import program ended without a result";
         return refused(reason_);
     }
 

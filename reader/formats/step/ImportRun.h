@@ -20,8 +20,8 @@ struct ImportResult {
     std::string reason;
 };
 
-/// Runs the program on the file, and has ended it when this returns. Tells `context` how far it is, and asks it
-/// for cancellation at least every 50 milliseconds.
+/// Runs the program on the file, and has ended it when this returns. Tells `context` how far it is, and
+/// asks it for cancellation at least every 50 milliseconds.
 ImportResult runImport(const std::wstring& program, const ImportRequest& request, ReadContext& context);
 
 }  // namespace ovdl::step

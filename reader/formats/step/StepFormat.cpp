@@ -1,5 +1,5 @@
-// STEP and IGES documents: an import program reads them, and what it makes of them is read as any document of
-// our own.
+// STEP and IGES documents: an import program reads them, and what it makes of them is read as any document
+// of our own.
 #include "raylume/platform/ChildProcess.h"
 #include "raylume/platform/Files.h"
 #include "raylume/platform/Paths.h"

@@ -20,7 +20,9 @@ std::uint32_t byteOf(double share)
 PackedColour packed(const Quantity_ColorRGBA& colour)
 {
     const Quantity_Color& rgb = colour.GetRGB();
-    const auto byte = [](double linear) { return byteOf(Quantity_Color::Convert_LinearRGB_To_sRGB(linear)); };
+    const auto byte = [](double linear) {
+        return byteOf(Quantity_Color::Convert_LinearRGB_To_sRGB(linear));
+    };
     return byte(rgb.Red()) | byte(rgb.Green()) << 8 | byte(rgb.Blue()) << 16 |
            byteOf(static_cast<double>(colour.Alpha())) << 24;
 }
@@ -49,7 +51,7 @@ void fillRender(PackedColour colour, uoRVAppearanceProperties& render)
 
 }  // namespace
 
-std::optional<PackedColour> colourOf(const Handle(XCAFDoc_ColorTool)& tool, const TDF_Label& label)
+std::optional<PackedColour> colourOf(const Handle(XCAFDoc_ColorTool) & tool, const TDF_Label& label)
 {
     Quantity_ColorRGBA colour;
     if (tool->GetColor(label, XCAFDoc_ColorSurf, colour) || tool->GetColor(label, XCAFDoc_ColorGen, colour))

@@ -16,7 +16,7 @@ namespace ovdl::step {
 using PackedColour = std::uint32_t;
 
 /// The colour of the surfaces of what a label stands for, if it has one of its own.
-std::optional<PackedColour> colourOf(const Handle(XCAFDoc_ColorTool)& tool, const TDF_Label& label);
+std::optional<PackedColour> colourOf(const Handle(XCAFDoc_ColorTool) & tool, const TDF_Label& label);
 
 /// One appearance for each colour, which live as long as the document.
 class Appearances {

@@ -43,7 +43,7 @@ bool liesIn(const fs::path& folder, const fs::path& file)
     return end == folder.end() && rest != file.end() && fs::is_regular_file(file);
 }
 
-std::vector<std::string> namesIn(const Handle(XSControl_WorkSession)& session)
+std::vector<std::string> namesIn(const Handle(XSControl_WorkSession) & session)
 {
     STEPConstruct_ExternRefs references(session);
     std::vector<std::string> names;
@@ -93,7 +93,7 @@ private:
     std::map<fs::path, bool> verdicts_;
 };
 
-void rename(const Handle(XSControl_WorkSession)& session, const Handle(StepBasic_DocumentFile)& file)
+void rename(const Handle(XSControl_WorkSession) & session, const Handle(StepBasic_DocumentFile) & file)
 {
     const Handle(TCollection_HAsciiString) none = new TCollection_HAsciiString(kNoFile);
     file->SetId(none);
@@ -109,7 +109,7 @@ void rename(const Handle(XSControl_WorkSession)& session, const Handle(StepBasic
 
 }  // namespace
 
-void dropForeignFiles(const Handle(XSControl_WorkSession)& session, const std::string& path)
+void dropForeignFiles(const Handle(XSControl_WorkSession) & session, const std::string& path)
 {
     STEPConstruct_ExternRefs references(session);
     if (!references.LoadExternRefs() || references.NbExternRefs() == 0)

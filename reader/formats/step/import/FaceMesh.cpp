@@ -1,5 +1,6 @@
 #include "reader/formats/step/import/FaceMesh.h"
 
+#include <meshoptimizer.h>
 #include <BRep_Tool.hxx>
 #include <GeomAdaptor_Surface.hxx>
 #include <GeomLib.hxx>
@@ -11,7 +12,6 @@
 #include <gp_Mat.hxx>
 #include <gp_Trsf.hxx>
 #include <limits>
-#include <meshoptimizer.h>
 
 namespace ovdl::step {
 namespace {
@@ -40,7 +40,7 @@ void put(const gp_XYZ& value, std::vector<float>& target)
 // The normals that a surface has on the side to which its parameters turn.
 class SurfaceNormals {
 public:
-    SurfaceNormals(const Handle(Geom_Surface)& surface, const Poly_Triangulation& mesh)
+    SurfaceNormals(const Handle(Geom_Surface) & surface, const Poly_Triangulation& mesh)
         : surface_(surface), mesh_(mesh), adaptor_(surface), isPlane_(adaptor_.GetType() == GeomAbs_Plane)
     {
     }
@@ -57,10 +57,7 @@ public:
     }
 
 private:
-    static bool isDirection(const gp_XYZ& normal)
-    {
-        return std::abs(normal.SquareModulus() - 1) < 1e-6;
-    }
+    static bool isDirection(const gp_XYZ& normal) { return std::abs(normal.SquareModulus() - 1) < 1e-6; }
 
     gp_XYZ onSurface(const gp_Pnt2d& uv) const
     {
@@ -122,7 +119,7 @@ gp_Mat linearPart(const gp_Trsf& place)
 
 // How the parameters of a surface change when its lengths become metres: angles stay, lengths along a plane
 // or a cylinder shrink.
-gp_GTrsf2d parametersInMetres(const Handle(Geom_Surface)& surface)
+gp_GTrsf2d parametersInMetres(const Handle(Geom_Surface) & surface)
 {
     gp_Trsf scale;
     scale.SetScaleFactor(kMetres);
@@ -228,10 +225,9 @@ bool FaceMesh::isFlat(std::uint32_t a, std::uint32_t b, std::uint32_t c) const
 TriangleList FaceMesh::weld()
 {
     const std::size_t count = vertices_.points.size() / 3;
-    const meshopt_Stream streams[] = {
-        {vertices_.points.data(), 3 * sizeof(float), 3 * sizeof(float)},
-        {vertices_.normals.data(), 3 * sizeof(float), 3 * sizeof(float)},
-        {vertices_.uvs.data(), 2 * sizeof(float), 2 * sizeof(float)}};
+    const meshopt_Stream streams[] = {{vertices_.points.data(), 3 * sizeof(float), 3 * sizeof(float)},
+                                      {vertices_.normals.data(), 3 * sizeof(float), 3 * sizeof(float)},
+                                      {vertices_.uvs.data(), 2 * sizeof(float), 2 * sizeof(float)}};
     remap_.resize(count);
     meshopt_generateVertexRemapMulti(remap_.data(), list_.data(), list_.size(), count, streams, 3);
     // By the first of those that are equal, so that ids stay indices of vertices.

@@ -37,7 +37,7 @@ std::string firstFail(Interface_CheckIterator checks)
     return "without a reason";
 }
 
-void checkLoad(const Handle(XSControl_WorkSession)& session)
+void checkLoad(const Handle(XSControl_WorkSession) & session)
 {
     const Interface_CheckIterator checks = session->ModelCheckList();
     if (!checks.IsEmpty(Standard_True))
@@ -60,14 +60,14 @@ Handle(TDocStd_Document) newDocument()
 }
 
 // The number by which the file itself knows an entity.
-int numberInFile(const Handle(Interface_InterfaceModel)& model, const Handle(Standard_Transient)& entity)
+int numberInFile(const Handle(Interface_InterfaceModel) & model, const Handle(Standard_Transient) & entity)
 {
     if (const auto step = Handle(StepData_StepModel)::DownCast(model); !step.IsNull())
         return step->IdentLabel(entity);
     return 2 * model->Number(entity) - 1;
 }
 
-void addFaceNumbers(const Handle(XSControl_WorkSession)& session, FaceNumbers& numbers)
+void addFaceNumbers(const Handle(XSControl_WorkSession) & session, FaceNumbers& numbers)
 {
     const Handle(Interface_InterfaceModel)& model = session->Model();
     const Handle(Transfer_TransientProcess) process = session->TransferReader()->TransientProcess();
@@ -108,7 +108,7 @@ Model readStep(const std::string& path, HostLink& link)
     return model;
 }
 
-bool hasAssemblies(const Handle(TDocStd_Document)& document)
+bool hasAssemblies(const Handle(TDocStd_Document) & document)
 {
     TDF_LabelSequence shapes;
     XCAFDoc_DocumentTool::ShapeTool(document->Main())->GetFreeShapes(shapes);

@@ -22,8 +22,9 @@ struct Model {
     FaceNumbers faceNumbers;
 };
 
-/// Reads and transfers the file. Lengths are millimetres afterwards, whatever the file's unit: the library's
-/// tolerances are made for them. Raises Refusal, and Standard_Failure for what the library cannot do.
+/// Reads and transfers the file. Lengths are millimetres afterwards, whatever the file's unit: the
+/// library's tolerances are made for them. Raises Refusal, and Standard_Failure for what the library cannot
+/// do.
 Model readModel(const std::string& path, HostLink& link);
 
 }  // namespace ovdl::step

@@ -204,12 +204,13 @@ uoTempPartTessData_c* PartMesh::make(const TDF_LabelSequence& labels, bool isSho
         bodies_.push_back(looseFaces_);
     if (faceNumbers_.IsEmpty())
         return nullptr;
-    deflection_ = deflectionFor(shapes.size() == 1 ? shapes[0] : compoundOf(shapes), tessellation_.deflection);
+    deflection_ =
+        deflectionFor(shapes.size() == 1 ? shapes[0] : compoundOf(shapes), tessellation_.deflection);
     Message_ProgressScope scope(range, nullptr, faceNumbers_.Extent());
     std::vector<uoTempBodyTessData_c*> bodies;
     for (const Body& body : bodies_) {
-        const int weight = body.shapes.size() == 1 ? faceCountOf(body.shapes[0])
-                                                   : static_cast<int>(body.shapes.size());
+        const int weight =
+            body.shapes.size() == 1 ? faceCountOf(body.shapes[0]) : static_cast<int>(body.shapes.size());
         bodies.push_back(makeBody(body, mesh(body, scope.Next(weight))));
     }
     auto* part = document_.own<uoTempPartTessData_c>();

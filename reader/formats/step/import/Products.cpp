@@ -57,21 +57,120 @@ TDF_Label productOf(const TDF_Label& label)
     return XCAFDoc_ShapeTool::GetReferredShape(label, product) ? product : label;
 }
 
+bool isAssembly(const TDF_Label& product)
+{
+    return XCAFDoc_ShapeTool::IsAssembly(product) == Standard_True;
+}
+
+// Files say it in many ways, with rounding.
+bool isIdentity(const gp_Trsf& place)
+{
+    constexpr double kNothing = 1e-9;
+    bool result = true;
+    for (int row = 1; row <= 3; ++row)
+        for (int column = 1; column <= 4; ++column)
+            result = result && std::abs(place.Value(row, column) - (row == column ? 1 : 0)) < kNothing;
+    return result;
+}
+
+TDF_LabelSequence componentsOf(const TDF_Label& assembly)
+{
+    TDF_LabelSequence components;
+    XCAFDoc_ShapeTool::GetComponents(assembly, components);
+    return components;
+}
+
+bool isInPlace(const TDF_Label& component)
+{
+    return isIdentity(XCAFDoc_ShapeTool::GetLocation(component).Transformation());
+}
+
+// Some files give a product its shapes by way of others without a name, which the library takes for an
+// assembly: that is no level of the tree.
+bool isPartOfShapes(const TDF_LabelSequence& components)
+{
+    return !components.IsEmpty() &&
+           std::all_of(components.begin(), components.end(), [](const TDF_Label& label) {
+               const TDF_Label product = productOf(label);
+               return isInPlace(label) && !isAssembly(product) && nameOf(label).empty() &&
+                      nameOf(product).empty();
+           });
+}
+
+// A part as it is used somewhere.
+struct Usage {
+    TDF_Label product;
+    TDF_LabelSequence shapes;            ///< What the product consists of, or itself.
+    std::optional<PackedColour> colour;  ///< Goes before the part's own.
+    bool visible = true;
+};
+
+class Usages {
+public:
+    explicit Usages(const Handle(XCAFDoc_ColorTool) & colours) : colours_(colours) {}
+
+    /// What a label shows when it is no assembly. `sole`: an assembly of one part in its own place is none
+    /// either.
+    std::optional<Usage> of(const TDF_Label& label, bool sole) const
+    {
+        Usage usage;
+        usage.product = productOf(label);
+        take(label, usage);
+        while (isAssembly(usage.product)) {
+            const TDF_LabelSequence components = componentsOf(usage.product);
+            if (isPartOfShapes(components))
+                return ofShapes(components, usage);
+            if (!sole || components.Size() != 1 || !isInPlace(components.First()))
+                return std::nullopt;
+            usage.product = productOf(components.First());
+            take(components.First(), usage);
+        }
+        usage.shapes.Append(usage.product);
+        take(usage.product, usage);
+        return usage;
+    }
+
+private:
+    Usage ofShapes(const TDF_LabelSequence& components, Usage usage) const
+    {
+        take(usage.product, usage);
+        for (const TDF_Label& component : components) {
+            usage.shapes.Append(productOf(component));
+            if (!usage.colour && components.Size() == 1)
+                usage.colour = colourOf(colours_, component);
+        }
+        if (!usage.colour && !(components.Size() == 1 && colourOf(colours_, usage.shapes.First())))
+            usage.colour = colourOf(colours_, usage.product);
+        return usage;
+    }
+
+    void take(const TDF_Label& label, Usage& usage) const
+    {
+        usage.visible = usage.visible && colours_->IsVisible(label) == Standard_True;
+        if (!usage.colour && label != usage.product)
+            usage.colour = colourOf(colours_, label);
+    }
+
+    Handle(XCAFDoc_ColorTool) colours_;
+};
+
 class AssemblyWalk {
 public:
-    AssemblyWalk(const Model& model, const ImportRequest& request, PartMesh& parts, PreparedDocument& document)
+    AssemblyWalk(const Model& model, const ImportRequest& request, PartMesh& parts,
+                 PreparedDocument& document)
         : parts_(parts),
           document_(document),
           stem_(cleanName(platform::fromUtf8(request.stem))),
-          colours_(XCAFDoc_DocumentTool::ColorTool(model.document->Main()))
+          colours_(XCAFDoc_DocumentTool::ColorTool(model.document->Main())),
+          usages_(colours_)
     {
     }
 
     /// The products that are no assemblies, each once, in the order in which they are met.
-    TDF_LabelSequence leavesOf(const TDF_LabelSequence& top)
+    const std::vector<Usage>& leavesOf(const TDF_LabelSequence& top)
     {
         for (const TDF_Label& label : top)
-            findLeaves(productOf(label));
+            findLeaves(label);
         return leaves_;
     }
     void keepPart(const TDF_Label& product, uoTempPartTessData_c* part) { made_.Bind(product, part); }
@@ -90,16 +189,17 @@ private:
         bool visible;
     };
 
-    void findLeaves(const TDF_Label& product)
+    void findLeaves(const TDF_Label& label)
     {
+        const auto usage = usages_.of(label, false);
+        const TDF_Label product = usage ? usage->product : productOf(label);
         if (!seen_.Bind(product, true))
             return;
-        TDF_LabelSequence components;
-        if (!XCAFDoc_ShapeTool::IsAssembly(product))
-            leaves_.Append(product);
-        else if (XCAFDoc_ShapeTool::GetComponents(product, components))
-            for (const TDF_Label& component : components)
-                findLeaves(productOf(component));
+        if (usage)
+            leaves_.push_back(*usage);
+        else
+            for (const TDF_Label& component : componentsOf(product))
+                findLeaves(component);
     }
 
     std::wstring tokenNameOf(const TDF_Label& label, const TDF_Label& product)
@@ -122,10 +222,10 @@ private:
             level.place = above.place * XCAFDoc_ShapeTool::GetLocation(label).Transformation();
             level.visible = above.visible && isVisible(label) && isVisible(product);
             way_.Append(label);
-            if (XCAFDoc_ShapeTool::IsAssembly(product))
-                descend(label, product, level, above);
+            if (const auto usage = usages_.of(label, false))
+                addComponent(*usage, level, above);
             else
-                addComponent(label, product, level, above);
+                descend(label, product, level, above);
             way_.Remove(way_.Length());
         }
     }
@@ -134,31 +234,26 @@ private:
     void descend(const TDF_Label& label, const TDF_Label& product, Level& level, const Level& above)
     {
         level.colour = firstOf(colourOf(colours_, label), colourOf(colours_, product), above.colour);
-        TDF_LabelSequence components;
-        XCAFDoc_ShapeTool::GetComponents(product, components);
-        addChildren(components, level);
+        addChildren(componentsOf(product), level);
     }
 
-    void addComponent(const TDF_Label& label, const TDF_Label& product, const Level& level, const Level& above)
+    void addComponent(const Usage& usage, const Level& level, const Level& above)
     {
         auto* component = document_.own<uoTempAssemblySHDData_c>();
         component->name = level.path;
-        component->visible = level.visible;
+        component->visible = level.visible && usage.visible;
         fillXform(level.place, component->xform);
-        uoTempPartTessData_c** part = made_.ChangeSeek(product);
+        uoTempPartTessData_c** part = made_.ChangeSeek(usage.product);
         component->tessData = part ? *part : nullptr;
-        const bool hasOwn = label != product && colourOf(colours_, label);
-        std::optional<PackedColour> colour = occurrenceColour();
-        if (!colour && hasOwn)
-            colour = colourOf(colours_, label);
-        if (!colour && !colourOf(colours_, product))
+        auto colour = firstOf(occurrenceColour(), usage.colour);
+        if (!colour && !colourOf(colours_, usage.product))
             colour = above.colour;
         component->vizProps = parts_.appearances().of(colour);
         components_.push_back(component);
     }
 
-    // A colour that a file gives to one occurrence of a component, seen from an assembly further up; that from
-    // furthest up counts.
+    // A colour that a file gives to one occurrence of a component, seen from an assembly further up; that
+    // from furthest up counts.
     std::optional<PackedColour> occurrenceColour() const
     {
         for (int first = 1; first < way_.Length(); ++first) {
@@ -191,35 +286,34 @@ private:
     PreparedDocument& document_;
     std::wstring stem_;
     Handle(XCAFDoc_ColorTool) colours_;
+    Usages usages_;
     NCollection_DataMap<TDF_Label, bool, TDF_LabelMapHasher> seen_;
     NCollection_DataMap<TDF_Label, uoTempPartTessData_c*, TDF_LabelMapHasher> made_;
-    TDF_LabelSequence leaves_;
+    std::vector<Usage> leaves_;
     TDF_LabelSequence way_;  ///< From the top to the occurrence at hand.
     std::vector<uoTempAssemblySHDData_c*> components_;
 };
 
-void makePart(const Model& model, const TDF_LabelSequence& labels, PartMesh& parts,
-              const Message_ProgressRange& range, PreparedDocument& document)
+void makePart(const Usage& usage, PartMesh& parts, const Message_ProgressRange& range,
+              PreparedDocument& document)
 {
-    const Handle(XCAFDoc_ColorTool) colours = XCAFDoc_DocumentTool::ColorTool(model.document->Main());
-    const bool isShown = labels.Size() != 1 || colours->IsVisible(labels.First()) == Standard_True;
     document.part = std::make_unique<OVDLPartDocument>();
-    document.part->tessData = parts.make(labels, isShown, range);
+    document.part->tessData = parts.make(usage.shapes, usage.visible, range);
     if (!document.part->tessData)
         throw Refusal{"the file has no faces"};
+    if (moVisualProperties_c* visual = parts.appearances().of(usage.colour))
+        document.part->tessData->modelVizProps[0] = visual;
 }
 
 void makeAssembly(const TDF_LabelSequence& top, AssemblyWalk& walk, PartMesh& parts,
                   const Message_ProgressRange& range, PreparedDocument& document)
 {
-    const TDF_LabelSequence leaves = walk.leavesOf(top);
-    Message_ProgressScope scope(range, nullptr, std::max(leaves.Size(), 1));
+    const std::vector<Usage>& leaves = walk.leavesOf(top);
+    Message_ProgressScope scope(range, nullptr, std::max(static_cast<double>(leaves.size()), 1.0));
     bool hasFaces = false;
-    for (const TDF_Label& leaf : leaves) {
-        TDF_LabelSequence one;
-        one.Append(leaf);
-        uoTempPartTessData_c* part = parts.make(one, true, scope.Next());
-        walk.keepPart(leaf, part);
+    for (const Usage& leaf : leaves) {
+        uoTempPartTessData_c* part = parts.make(leaf.shapes, true, scope.Next());
+        walk.keepPart(leaf.product, part);
         hasFaces = hasFaces || part;
     }
     if (!hasFaces)
@@ -242,13 +336,17 @@ void makeDocument(const Model& model, const ImportRequest& request, HostLink& li
         throw Refusal{"the file has no shapes"};
     PartMesh parts(model, request.tessellation, document);
     const bool hasOneRoot = top.Size() == 1;
-    if (model.isOnePart || (hasOneRoot && !XCAFDoc_ShapeTool::IsAssembly(top.First()))) {
-        makePart(model, top, parts, range, document);
+    const Usages usages(XCAFDoc_DocumentTool::ColorTool(model.document->Main()));
+    std::optional<Usage> sole;
+    if (model.isOnePart)
+        sole = Usage{{}, top, {}};
+    else if (hasOneRoot)
+        sole = usages.of(top.First(), true);
+    if (sole) {
+        makePart(*sole, parts, range, document);
         return;
     }
-    TDF_LabelSequence components = top;
-    if (hasOneRoot)
-        XCAFDoc_ShapeTool::GetComponents(TDF_Label(top.First()), components = TDF_LabelSequence());
+    const TDF_LabelSequence components = hasOneRoot ? componentsOf(productOf(top.First())) : top;
     AssemblyWalk walk(model, request, parts, document);
     makeAssembly(components, walk, parts, range, document);
 }

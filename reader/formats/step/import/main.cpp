@@ -1,5 +1,5 @@
-// The import program: reads the STEP or IGES file that its arguments name and hands an .ovdl document back in
-// the anonymous file that its host gave it. Whatever goes wrong ends it and nothing else.
+// The import program: reads the STEP or IGES file that its arguments name and hands an .ovdl document back
+// in the anonymous file that its host gave it. Whatever goes wrong ends it and nothing else.
 #include <Message.hxx>
 #include <Message_Messenger.hxx>
 #include <Message_PrinterSystemLog.hxx>
@@ -32,7 +32,8 @@ platform::WorkerLimits limitsOf(const ImportLimits& limits)
     // The host's clock is the limit; this one holds where the host has none left.
     constexpr double kLongest = 1e9;
     if (limits.seconds > 0)
-        result.processorSeconds = static_cast<std::uint64_t>(std::ceil(std::min(limits.seconds, kLongest))) + 1;
+        result.processorSeconds =
+            static_cast<std::uint64_t>(std::ceil(std::min(limits.seconds, kLongest))) + 1;
     result.fileBytes = limits.outputBytes;
     // A sanitizer maps far more than there is memory.
     if (OVDL_IMPORT_LIMITS_MEMORY)
