@@ -61,7 +61,7 @@ std::vector<Occurrence> occurrencesOf(const ovdl::ReadOutcome& outcome)
 // As far as tessellated surfaces may lie from the true ones.
 void expectSameBox(const Box& box, const Box& peer)
 {
-    const double tolerance = 0.002 * peer.diagonal() + 1e-7;
+    const double tolerance = 0.003 * peer.diagonal() + 1e-7;
     for (int axis = 0; axis < 3; ++axis) {
         EXPECT_NEAR(box.min[axis], peer.min[axis], tolerance);
         EXPECT_NEAR(box.max[axis], peer.max[axis], tolerance);

@@ -6,7 +6,10 @@
 #include <IGESCAFControl_Reader.hxx>
 #include <IGESCAFControl_Writer.hxx>
 #include <Interface_Static.hxx>
+#include <Message.hxx>
+#include <Message_Messenger.hxx>
 #include <Quantity_ColorRGBA.hxx>
+#include <STEPCAFControl_Controller.hxx>
 #include <STEPCAFControl_Reader.hxx>
 #include <STEPCAFControl_Writer.hxx>
 #include <TDF_LabelSequence.hxx>
@@ -33,6 +36,7 @@ Handle(TDocStd_Document) newDocument()
 {
     Handle(TDocStd_Document) document;
     XCAFDoc_ShapeTool::SetAutoNaming(Standard_False);
+    Message::DefaultMessenger()->ChangePrinters().Clear();
     XCAFApp_Application::GetApplication()->NewDocument("MDTV-XCAF", document);
     return document;
 }
@@ -197,8 +201,10 @@ void ModelBuilder::colourOccurrence(const std::vector<TDF_Label>& way, const Rgb
 
 void ModelBuilder::writeStep(const std::string& path, const char* unit)
 {
-    STEPCAFControl_Writer writer;
+    // The writer takes the unit when it is made.
+    STEPCAFControl_Controller::Init();
     Interface_Static::SetCVal("write.step.unit", unit);
+    STEPCAFControl_Writer writer;
     ASSERT_TRUE(writer.Transfer(document_, STEPControl_AsIs));
     ASSERT_EQ(writer.Write(path.c_str()), IFSelect_RetDone);
 }

@@ -49,16 +49,18 @@ public:
     {
         if (isPlane_ && hasPlaneNormal_)
             return planeNormal_;
-        const gp_XYZ normal = onSurface(mesh_.UVNode(node));
-        const gp_XYZ result = isDirection(normal) ? normal : ofTriangles(node);
-        planeNormal_ = result;
+        gp_XYZ normal = onSurface(mesh_.UVNode(node));
+        if (!isDirection(normal))
+            normal = atSingularity(node);
+        planeNormal_ = normal;
         hasPlaneNormal_ = true;
-        return result;
+        return normal;
     }
 
 private:
     static bool isDirection(const gp_XYZ& normal) { return std::abs(normal.SquareModulus() - 1) < 1e-6; }
 
+    // Zero where the derivatives do not tell.
     gp_XYZ onSurface(const gp_Pnt2d& uv) const
     {
         gp_Pnt point;
@@ -67,15 +69,23 @@ private:
         adaptor_.D1(uv.X(), uv.Y(), point, alongU, alongV);
         const gp_XYZ normal = alongU.XYZ().Crossed(alongV.XYZ());
         const double length = normal.Modulus();
-        // Where one derivative vanishes, as at a pole, the surface has a normal all the same.
-        if (length > 1e-9 * alongU.Magnitude() * alongV.Magnitude() && length > 1e-12)
-            return normal / length;
-        gp_Dir estimate;
-        const bool known = GeomLib::NormEstim(surface_, uv, 1e-9, estimate) <= 1;
-        return known ? estimate.XYZ() : gp_XYZ(0, 0, 0);
+        const double longest = std::max(alongU.SquareMagnitude(), alongV.SquareMagnitude());
+        // By rounding a point may lie beyond a tip, where the surface turns inside out.
+        const bool isRegular = length > 1e-6 * longest;
+        return isRegular ? normal / length : gp_XYZ(0, 0, 0);
     }
 
-    // Where the surface has none, as at the tip of a cone, what the triangles make of it.
+    // At a pole one derivative vanishes, but the surface has a normal all the same. At the tip of a cone it
+    // has none, whatever the library estimates: there the triangles tell.
+    gp_XYZ atSingularity(int node)
+    {
+        constexpr double kAlike = 0.8;
+        const gp_XYZ around = ofTriangles(node);
+        gp_Dir estimate;
+        const bool known = GeomLib::NormEstim(surface_, mesh_.UVNode(node), 1e-9, estimate) <= 1;
+        return known && estimate.XYZ().Dot(around) > kAlike ? estimate.XYZ() : around;
+    }
+
     gp_XYZ ofTriangles(int node)
     {
         if (sums_.empty())
