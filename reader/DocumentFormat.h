@@ -40,6 +40,8 @@ public:
     virtual OVDLAssemblyDocument* assembly() = 0;
     /// The component array of the named configuration, or null.
     virtual uoTempAssemblySHDDataArray_c* configuration(const std::wstring& name) = 0;
+    /// The names that configuration() knows.
+    virtual std::vector<std::wstring> configurationNames() { return {}; }
     /// What ReadFile gives for a document that is neither rejected nor cancelled.
     virtual OVXDLReader_FileLoadResult result() const { return OVXDLReader_Loaded; }
 };
@@ -85,6 +87,8 @@ std::unique_ptr<DocumentFormat> makePreparedFormat();
 /// Asked before glTF, which is JSON too.
 std::unique_ptr<DocumentFormat> makeOvdlJsonFormat();
 std::unique_ptr<DocumentFormat> makeGltfFormat();
+/// Recognises compound files that hold a document.
+std::unique_ptr<DocumentFormat> makeOvdlFormat();
 /// Recognises every compound file and rejects it, so it is asked last.
 std::unique_ptr<DocumentFormat> makeCompoundFormat();
 

@@ -1,99 +1,20 @@
 #include "raylume/platform/CompoundFile.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <climits>
-#include <cstdlib>
 #include <memory>
 #include <new>
-#include <optional>
 #include <utility>
 
 #include "raylume/platform/Paths.h"
 #include "raylume/platform/posix/CompoundFileDescriptor.h"
 #include "raylume/platform/posix/CompoundReader.h"
 #include "raylume/platform/posix/CompoundWriter.h"
+#include "raylume/platform/posix/ReplacementTarget.h"
 
 namespace platform {
 
 namespace {
 
 using namespace compound;
-
-struct FreeMemory {
-    void operator()(char* memory) const { std::free(memory); }
-};
-
-std::optional<std::string> realPath(const std::string& native)
-{
-    const std::unique_ptr<char, FreeMemory> path(realpath(native.c_str(), nullptr));
-    return path ? std::optional<std::string>(path.get()) : std::nullopt;
-}
-
-// Folder, with its separator, and name.
-std::pair<std::string, std::string> split(const std::string& native)
-{
-    const std::size_t cut = native.rfind('/');
-    if (cut == std::string::npos)
-        return {"./", native};
-    return {native.substr(0, cut + 1), native.substr(cut + 1)};
-}
-
-// What a link says, seen from where it lies; the path itself when it is no link.
-std::string followLink(const std::string& native)
-{
-    char text[PATH_MAX];
-    const ssize_t length = readlink(native.c_str(), text, sizeof(text));
-    if (length <= 0)
-        return native;
-    const std::string target(text, static_cast<std::size_t>(length));
-    return target[0] == '/' ? target : split(native).first + target;
-}
-
-// Where the links of a path lead to, from the root of the file system: a file is replaced there, so that
-// no link is replaced instead, and wherever the working folder is by then. The file itself may be
-// missing, its folder may not.
-std::optional<std::string> resolved(const std::string& native)
-{
-    if (auto path = realPath(native))
-        return path;
-    constexpr int kMostLinks = 40;
-    std::string last = native;
-    for (int i = 0; i < kMostLinks; ++i)
-        last = followLink(last);
-    const auto [folder, name] = split(last);
-    const auto real = realPath(folder);
-    return real && !name.empty() ? std::optional<std::string>(*real + "/" + name) : std::nullopt;
-}
-
-bool folderExists(const std::string& native)
-{
-    struct stat status;
-    return stat(split(native).first.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
-}
-
-HResult openFailure(const std::string& native, int error)
-{
-    return error == ENOENT && !folderExists(native) ? kStoragePathNotFound : resultOfErrno(error);
-}
-
-// Without O_NONBLOCK the open itself would wait for the other end of a pipe. A file that this user may
-// not write is opened for writing only to learn that.
-HResult openRegular(const std::string& native, bool writable, std::shared_ptr<const FileBytes>& file)
-{
-    const int access = writable ? O_RDWR : O_RDONLY;
-    Descriptor descriptor(open(native.c_str(), access | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
-    if (!descriptor.isOpen())
-        return openFailure(native, errno);
-    struct stat status;
-    if (fstat(descriptor.number(), &status) != 0 || !S_ISREG(status.st_mode))
-        return kStorageAccessDenied;
-    file = std::make_shared<OpenFile>(std::move(descriptor), static_cast<std::uint64_t>(status.st_size));
-    return kStorageOk;
-}
 
 HResult openTree(const std::wstring& path, bool writable, IStorage** root)
 {
@@ -114,23 +35,6 @@ HResult openTree(const std::wstring& path, bool writable, IStorage** root)
         writer = makeFileWriter(*target, sectorSize);
     }
     *root = viewTree(std::move(tree), std::move(writer), false);
-    return kStorageOk;
-}
-
-// The target of a new tree. What stands there has to be a file that may be replaced.
-HResult findTarget(const std::string& native, bool replace, std::string& target, bool& present)
-{
-    std::shared_ptr<const FileBytes> file;
-    const HResult result = openRegular(native, replace, file);
-    present = result != kStorageNotFound;
-    if (!replace && (result >= 0 || result == kStorageAccessDenied))
-        return kStorageExists;
-    if (result < 0 && present)
-        return result;
-    const auto path = resolved(native);
-    if (!path)
-        return kStoragePathNotFound;
-    target = *path;
     return kStorageOk;
 }
 

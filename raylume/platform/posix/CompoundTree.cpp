@@ -327,6 +327,9 @@ class StorageView final : public View<IStorage> {
 public:
     using View::View;
 
+    const ElementPtr& element() const { return element_; }
+    HResult put(const ElementPtr& element) { return insert(element, kModeReadWrite + kModeCreate); }
+
     HResult OpenStream(const wchar_t* name, std::uint32_t mode, IStream** stream) override
     {
         if (!stream)
@@ -434,23 +437,30 @@ private:
     {
         if (!name)
             return kStorageInvalidPointer;
+        auto made = std::make_shared<Element>(name, kind);
+        const HResult result = insert(made, mode);
+        if (result >= 0)
+            element = std::move(made);
+        return result;
+    }
+
+    HResult insert(const ElementPtr& made, std::uint32_t mode)
+    {
         if (element_->detached())
             return kStorageReverted;
         if (!writable_)
             return kStorageAccessDenied;
         if ((mode & 3u) == 3u)
             return kStorageInvalidFlag;
-        if (!isValidName(name))
+        if (!isValidName(made->name()))
             return kStorageInvalidName;
         if (element_->depth() >= kDeepestStorage)
             return kStorageTooLarge;
-        auto made = std::make_shared<Element>(name, kind);
-        const HResult result = makeRoom(name, mode);
+        const HResult result = makeRoom(made->name(), mode);
         if (result < 0)
             return result;
         element_->add(made);
         tree_->touch();
-        element = std::move(made);
         return kStorageOk;
     }
 
@@ -477,6 +487,18 @@ IStorage* viewTree(ElementPtr root, std::unique_ptr<TreeWriter> writer, bool uns
     const bool writable = writer != nullptr;
     auto tree = std::make_shared<Tree>(root, std::move(writer), unsaved);
     return new StorageView(std::move(tree), std::move(root), writable);
+}
+
+ElementPtr elementOf(IStorage& view)
+{
+    const auto* shown = dynamic_cast<StorageView*>(&view);
+    return shown ? shown->element() : nullptr;
+}
+
+HResult putElement(IStorage& view, ElementPtr element)
+{
+    auto* shown = dynamic_cast<StorageView*>(&view);
+    return shown ? shown->put(element) : kNotImplemented;
 }
 
 }  // namespace platform::compound

@@ -166,4 +166,10 @@ HResult copyBytes(Element& stream, Sink sink)
 /// `unsaved` says that the tree differs from the file before anything was edited.
 IStorage* viewTree(ElementPtr root, std::unique_ptr<TreeWriter> writer, bool unsaved);
 
+/// What a view shows; null for a storage that is no view of a tree.
+ElementPtr elementOf(IStorage& view);
+/// Puts an element into what a view shows, in the place of one of that name. Errors: as
+/// IStorage::CreateStorage; kNotImplemented for what is no view.
+HResult putElement(IStorage& view, ElementPtr element);
+
 }  // namespace platform::compound

@@ -44,6 +44,14 @@ public:
         return found == document_->configurations.end() ? nullptr : &found->second;
     }
 
+    std::vector<std::wstring> configurationNames() override
+    {
+        std::vector<std::wstring> names;
+        for (const auto& [name, components] : document_->configurations)
+            names.push_back(name);
+        return names;
+    }
+
 private:
     std::unique_ptr<PreparedDocument> document_;
 };
