@@ -18,7 +18,7 @@ SAMPLES = {
         0.25,
         (
             Colour("paint of the housing", (64, 78, 92), 20, 0.35, 0.65),
-            Colour("see-through cover", (218, 222, 222), 16, 0.20, 0.42),
+            Colour("cover", (218, 222, 222), 16, 0.20, 0.42),
             Colour("yellow stripes of the name plate", (190, 155, 90), 30, 0.005, 0.04),
             Colour("black stripes of the name plate", (42, 38, 28), 22, 0.005, 0.04),
             Colour("lamp", (138, 210, 146), 42, 0.0012, 0.02),
@@ -41,7 +41,7 @@ def main(tool, samples, name, picture=None):
     image = picture_of(tool, pathlib.Path(samples) / name)
     if picture:
         pathlib.Path(picture).parent.mkdir(parents=True, exist_ok=True)
-        image.save(picture)
+        image.save(picture, optimize=True)
     wrong = wrongs(image, SAMPLES[name])
     for line in wrong:
         print(f"{name}: {line}", file=sys.stderr)
