@@ -1,0 +1,302 @@
+// How large a model the library will make of a document. What the document holds once, a model may hold
+// many times: a part for each tessellation and configuration that a component array names together, a face
+// for each time that a body names it, a material for each face, a decal for each face that it lies on, a
+// node of the tree for each token of a component's path.
+#include <algorithm>
+#include <memory>
+#include <unordered_map>
+
+#include "reader/formats/ovdl/Decoding.h"
+
+namespace ovdl::decoding {
+namespace {
+
+// Records of the model, their places in its look-up tables included, in bytes; on the large side.
+constexpr std::uint64_t kMaterial = 1024;
+constexpr std::uint64_t kDecal = 1536;
+constexpr std::uint64_t kFace = 256;
+constexpr std::uint64_t kVertex = 24 + 8 + 8;
+constexpr std::uint64_t kStrip = 8;
+constexpr std::uint64_t kBody = 128;
+constexpr std::uint64_t kInstance = 768;
+constexpr std::uint64_t kTreeNode = 384;
+// A character stands in the model as wide text, or up to twice as narrow text.
+constexpr std::uint64_t kCharacter = 8;
+// Of an instance: in its name, its last token, its placement, the part's names.
+constexpr std::uint64_t kNameCharacter = 16;
+
+std::uint64_t characters(const uoMaterialProperties& material)
+{
+    std::uint64_t count = material.idName.size() + material.userName.size();
+    if (const uoMaterialTextureProperties* texture = material.textureProperties)
+        count += texture->filename.size();
+    if (const uoRVAppearanceProperties* appearance = material.rvAppearance)
+        count += appearance->lfpFilename.size() + appearance->bumpTextureFilename.size() +
+                 appearance->filename.size() + appearance->shaderName.size();
+    return count;
+}
+
+Cost costOf(const moVisualProperties_c* visual)
+{
+    Cost cost;
+    if (!visual || !visual->materialProps)
+        return cost;
+    cost.add(kMaterial);
+    cost.add(
+        visual->visualName.size() + visual->materialFileName.size() + characters(*visual->materialProps),
+        kCharacter);
+    return cost;
+}
+
+// A record for each face, and a look at each mapping whether there is such a face.
+Cost costOf(const uoDecalProperties* decal)
+{
+    Cost cost(kNode);
+    if (!decal)
+        return cost;
+    Cost one(kDecal);
+    one.add(decal->maskFileName.size() + decal->textureProperties.filename.size() +
+                characters(decal->materialProperties),
+            kCharacter);
+    one.add(decal->colorMask.size(), kNode);
+    cost.add(decal->faceMappings.size(), one.bytes());
+    return cost;
+}
+
+Cost costOf(const std::list<uoDecalProperties*>& decals)
+{
+    Cost cost;
+    for (const uoDecalProperties* decal : decals)
+        cost.add(costOf(decal).bytes());
+    return cost;
+}
+
+// One configuration is in use at a time.
+Cost costliest(const std::map<int, moVisualProperties_c*>& visuals)
+{
+    Cost most;
+    for (const auto& [configuration, visual] : visuals)
+        most = std::max(most, costOf(visual));
+    return most;
+}
+
+Cost costOf(const uoTempFaceTessData_c& face)
+{
+    Cost cost(kFace);
+    std::uint64_t vertices = 0;
+    for (std::int32_t strip = 0; strip < face.stripCount; ++strip)
+        vertices += static_cast<std::uint64_t>(face.stripLengths.data[strip]);
+    cost.add(vertices, kVertex);
+    cost.add(static_cast<std::uint64_t>(face.stripCount), kStrip);
+    cost.add(costliest(face.faceVizProps).bytes());
+    return cost;
+}
+
+// What one tessellation costs in each of its configurations.
+class PartCost {
+public:
+    PartCost(DecodedTessellation& tessellation, Steps& steps)
+        : tessellation_(tessellation), visual_(costliest(tessellation.part.modelVizProps))
+    {
+        std::vector<std::uint64_t> faces;
+        faces.reserve(tessellation.faces.size());
+        for (const uoTempFaceTessData_c& face : tessellation.faces) {
+            steps.tick();
+            faces.push_back(costOf(face).bytes());
+        }
+        bodies_.reserve(tessellation.bodies.size());
+        for (const uoTempBodyTessData_c& body : tessellation.bodies)
+            bodies_.push_back(costOfBody(body, faces, steps).bytes());
+    }
+
+    // The bodies that are not shown cost nothing but the look at them.
+    Cost in(std::int32_t configuration, Decoding& decoding) const
+    {
+        decoding.budget.charge(tessellation_.partBodies.size(), 8);
+        decoding.steps.tick(tessellation_.partBodies.size());
+        Cost cost(kMaterial);
+        cost.add(visual_.bytes());
+        for (uoTempBodyTessData_c* body : tessellation_.partBodies) {
+            cost.add(kBody);
+            if (body && isShown(*body, configuration))
+                cost.add(bodies_[static_cast<std::size_t>(body - tessellation_.bodies.data())]);
+        }
+        for (const auto& [key, decals] : tessellation_.part.decalsByConfig)
+            if (key == configuration || tessellation_.part.decalsByConfig.size() == 1)
+                cost.add(costOf(decals).bytes());
+        return cost;
+    }
+
+private:
+    Cost costOfBody(const uoTempBodyTessData_c& body, const std::vector<std::uint64_t>& faces,
+                    Steps& steps) const
+    {
+        Cost cost = costliest(body.bodyVizProps);
+        for (long long i = 0; i < body.faces.count; ++i) {
+            steps.tick();
+            const uoTempFaceTessData_c* face = body.faces.data[i];
+            cost.add(face ? faces[static_cast<std::size_t>(face - tessellation_.faces.data())] : kNode);
+        }
+        return cost;
+    }
+
+    static bool isShown(uoTempBodyTessData_c& body, std::int32_t configuration)
+    {
+        const uoBodyPropInfo_c* info = body.getBodyPropInfo(configuration);
+        return !info || info->shown != 0;
+    }
+
+    DecodedTessellation& tessellation_;
+    Cost visual_;
+    std::vector<std::uint64_t> bodies_;
+};
+
+// The parts of all models that a document can become, each worked out once.
+class PartCosts {
+public:
+    explicit PartCosts(Decoding& decoding)
+        : decoding_(decoding), tessellations_(decoding.objects.tessellations.size())
+    {
+    }
+
+    void beginModel() { ++model_; }
+
+    // Nothing for a part that this model has already.
+    Cost add(const uoTempPartTessData_c* tessData, std::int32_t configuration)
+    {
+        const std::size_t number = numberOf(tessData);
+        const std::uint64_t key = std::uint64_t{number} << 32 | static_cast<std::uint32_t>(configuration);
+        const auto [place, isNew] = known_.try_emplace(key);
+        if (isNew)
+            place->second.cost = costOfPart(number).in(configuration, decoding_);
+        if (place->second.model == model_)
+            return Cost();
+        place->second.model = model_;
+        return place->second.cost;
+    }
+
+private:
+    struct Known {
+        Cost cost;
+        std::uint64_t model = 0;
+    };
+
+    std::size_t numberOf(const uoTempPartTessData_c* tessData) const
+    {
+        const auto& all = decoding_.objects.tessellations;
+        const auto distance =
+            reinterpret_cast<std::uintptr_t>(tessData) - reinterpret_cast<std::uintptr_t>(&all[0].part);
+        return static_cast<std::size_t>(distance / sizeof(all[0]));
+    }
+
+    PartCost& costOfPart(std::size_t number)
+    {
+        if (!tessellations_[number])
+            tessellations_[number] =
+                std::make_unique<PartCost>(decoding_.objects.tessellations[number], decoding_.steps);
+        return *tessellations_[number];
+    }
+
+    Decoding& decoding_;
+    std::vector<std::unique_ptr<PartCost>> tessellations_;
+    std::unordered_map<std::uint64_t, Known> known_;
+    std::uint64_t model_ = 0;
+};
+
+// The nodes of the tree that a path needs and the one before did not. Neighbours mostly share theirs.
+Cost costOfNodes(const std::wstring& path, const std::wstring& before)
+{
+    const auto shared = static_cast<std::size_t>(
+        std::mismatch(path.begin(), path.end(), before.begin(), before.end()).first - path.begin());
+    Cost cost;
+    for (std::size_t at = path.find(L'/', shared); at != std::wstring::npos; at = path.find(L'/', at + 1)) {
+        cost.add(kTreeNode);
+        cost.add(at, 2);
+    }
+    return cost;
+}
+
+class ModelChecker {
+public:
+    ModelChecker(Decoding& decoding, std::uint64_t documentSize)
+        : decoding_(decoding), limit_(Budget(documentSize).limit()), parts_(decoding)
+    {
+        const auto& components = decoding.objects.components;
+        components_.reserve(components.size());
+        for (const uoTempAssemblySHDData_c& component : components) {
+            decoding.steps.tick();
+            components_.push_back(costOfInstance(component).bytes());
+        }
+    }
+
+    void check(const OVDLPartDocument& part)
+    {
+        parts_.beginModel();
+        Cost cost;
+        if (part.tessData)
+            cost.add(parts_.add(part.tessData, part.activeConfigIndex).bytes());
+        check(cost);
+    }
+
+    void check(const std::vector<uoTempAssemblySHDData_c*>& components)
+    {
+        static const std::wstring kNoPath;
+        parts_.beginModel();
+        Cost cost;
+        const std::wstring* before = &kNoPath;
+        for (const uoTempAssemblySHDData_c* component : components) {
+            decoding_.steps.tick();
+            if (!component)
+                continue;
+            cost.add(costOf(*component));
+            check(cost);
+            cost.add(costOfNodes(component->name, *before).bytes());
+            if (component->tessData)
+                cost.add(parts_.add(component->tessData, component->configIndex).bytes());
+            before = &component->name;
+            check(cost);
+        }
+    }
+
+private:
+    static Cost costOfInstance(const uoTempAssemblySHDData_c& component)
+    {
+        Cost cost(kInstance);
+        cost.add(component.name.size() + component.configName.size(), kNameCharacter);
+        cost.add(decoding::costOf(component.vizProps).bytes());
+        cost.add(decoding::costOf(component.decals).bytes());
+        return cost;
+    }
+
+    std::uint64_t costOf(const uoTempAssemblySHDData_c& component) const
+    {
+        return components_[static_cast<std::size_t>(&component - decoding_.objects.components.data())];
+    }
+
+    void check(const Cost& cost) const
+    {
+        if (cost.bytes() > limit_)
+            refuse("the model would be out of all proportion to the document");
+    }
+
+    Decoding& decoding_;
+    std::uint64_t limit_;
+    PartCosts parts_;
+    std::vector<std::uint64_t> components_;
+};
+
+}  // namespace
+
+void checkModels(Decoding& decoding, std::uint64_t documentSize)
+{
+    ModelChecker checker(decoding, documentSize);
+    const DecodedObjects& objects = decoding.objects;
+    if (objects.part)
+        checker.check(*objects.part);
+    if (objects.assembly)
+        checker.check(objects.assemblyComponents);
+    for (const auto& [name, configuration] : objects.configurations)
+        checker.check(configuration.components);
+}
+
+}  // namespace ovdl::decoding
