@@ -87,6 +87,8 @@ std::unique_ptr<DocumentFormat> makePreparedFormat();
 /// Asked before glTF, which is JSON too.
 std::unique_ptr<DocumentFormat> makeOvdlJsonFormat();
 std::unique_ptr<DocumentFormat> makeGltfFormat();
+/// Recognises compound files that hold a document.
+std::unique_ptr<DocumentFormat> makeOvdlFormat();
 /// Recognises every compound file and rejects it, so it is asked last.
 std::unique_ptr<DocumentFormat> makeCompoundFormat();
 

@@ -12,6 +12,7 @@
 #include <memory>
 
 #include "raylume/platform/CompoundFile.h"
+#include "raylume/platform/Files.h"
 #include "reader/formats/ovdl/DocumentStreams.h"
 
 namespace ovdl {
@@ -23,6 +24,12 @@ inline constexpr std::uint32_t kGroup = 1024;
 
 /// The version of the format that this reader writes, and the last one that it reads.
 inline constexpr std::uint32_t kFormatVersion = 1;
+
+/// Opens the streams of a document in a compound file. They are used where they lie in the file, which stays
+/// mapped as long as the result lives.
+///
+/// Errors: raises Refusal for a file that is no compound file, or a damaged one.
+std::unique_ptr<DocumentStreams> openCompoundStreams(std::shared_ptr<const platform::MappedFile> file);
 
 /// Writes into a storage, in the place of what it has of a document; everything else stays. The caller
 /// commits. The storage is borrowed.

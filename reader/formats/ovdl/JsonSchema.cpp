@@ -39,7 +39,8 @@ class Description {
 public:
     // A copy, since the data as it is embedded may begin anywhere.
     Description()
-        : bytes_(fb::DocumentBinarySchema::begin(), fb::DocumentBinarySchema::end()),
+        : bytes_(fb::DocumentBinarySchema::data(),
+                 fb::DocumentBinarySchema::data() + fb::DocumentBinarySchema::size()),
           schema_(*reflection::GetSchema(bytes_.data()))
     {
         objects_.resize(schema_.objects()->size());
