@@ -1,3 +1,4 @@
+// Documents written and converted: the way from a host to the encoder.
 #include "reader/DocumentWriter.h"
 
 #include <cstdio>
