@@ -438,13 +438,13 @@ def lamp_decals(d):
     )
     decals["dot"] = d.add(
         "decals", maskFileName="brand-mask.png", maskInvert=1, mappingScalar=Single(0.5), mappingKind=3,
-        textureProperties=d.texture("brand.png", 0.014, 0.014, **lying), decalId=105,
-        faceMappings=[mapping(2), mapping(3, mirrored=1)], materialProperties=print_, origin=single((-0.007, 0.012, 0.007)),
+        textureProperties=d.texture("brand.png", 0.014, 0.014, **standing), decalId=105,
+        faceMappings=[mapping(2), mapping(3, mirrored=1)], materialProperties=print_, origin=single((-0.007, -0.007, 0.012)),
     )
     decals["sign"] = d.add(
         "decals", mappingScalar=Single(1), mappingKind=4,
         textureProperties=d.texture("ruler.png", 0.012, 0.012, angle=90.0, **lying), decalId=106,
-        faceMappings=[mapping(13)], materialProperties=ink, origin=single((-0.006, 0.026, 0.062)),
+        faceMappings=[mapping(12)], materialProperties=ink, origin=single((-0.006, 0.026, 0.062)),
     )
     return decals
 
@@ -618,7 +618,7 @@ def desk_lamp():
     # On a wall the base stands on its side, and its y points along x.
     sideways = ((0, -1, 0), (1, 0, 0), (0, 0, 1))
     reading, joint, look = lamp_pose(d, parts, v, decals, (0, 0, 0), upright, (112, 32, -62), True, False)
-    folded, _, _ = lamp_pose(d, parts, v, decals, (0, 0, 0), upright, (168, 4, -88), False, False)
+    folded, _, _ = lamp_pose(d, parts, v, decals, (0, 0, 0), upright, (150, 18, -90), False, False)
     wall, _, _ = lamp_pose(d, parts, v, decals, (-0.1, 0.3, 0), sideways, (28, 332, -80), True, True)
     for name, components in (("Reading", reading), ("Folded", folded), ("Wall", wall)):
         d.add("configurations", name=name, components=components)
@@ -644,7 +644,7 @@ def lamp_images(folder):
     files = {
         "felt.png": png(32, 32, lambda x, y: (20 + noise(x, y), 80 + noise(y, x), 34 + noise(x + 5, y))),
         "brushed.bmp": bmp(32, 32, lambda x, y: (180 + noise(0, y), 140 + noise(0, y), 60 + noise(1, y) // 2)),
-        "brand.png": png(32, 32, lambda x, y: (235, 200, 90) if glyph(x, y) else (20, 30, 40)),
+        "brand.png": png(32, 32, lambda x, y: (250, 215, 100) if glyph(x, y) else (200, 90, 30)),
         "brand-mask.png": png(32, 32, lambda x, y: (255,) * 3 if glyph(x, y) else (0,) * 3),
         "stars.png": png(
             48, 32, lambda x, y: (255, 0, 255) if (x // 8 + y // 8) % 2 else (0, 255, 0) if abs(x % 8 - 4) + abs(y % 8 - 4) > 4 else (255, 225, 90)
@@ -717,10 +717,11 @@ def bell_parts(d):
     black = d.visual("Black plastic", (28, 28, 30), d.material("Black plastic", specular=0.2))
     thread = d.visual("Thread", (120, 120, 124), d.material("Thread", user="Thread"))
     printed = d.material("Print", ambient=0.5, diffuse=1.0, specular=0.0)
-    picture = d.texture("bird.png", 0.024, 0.024, directions=[1, 0, 0, 0, 0, -1], hasDirections=True)
+    # Looks forwards and up.
+    picture = d.texture("bird.png", 0.026, 0.026, directions=[1, 0, 0, 0, 0.7, -0.7], hasDirections=True)
     bird = d.add(
         "decals", mappingScalar=Single(1), mappingKind=1, textureProperties=picture, decalId=1,
-        faceMappings=[{"faceId": 1}], materialProperties=printed, origin=single((-0.012, 0.03, 0.012)),
+        faceMappings=[{"faceId": 1}], materialProperties=printed, origin=single((-0.013, 0.0168, 0.0292)),
         colorMask=[packed((255, 0, 255))],
     )
     # 0 is the plain bell, 1 the one with a bird.
