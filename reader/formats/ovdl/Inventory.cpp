@@ -19,6 +19,8 @@ std::string tessellationName(std::int32_t number)
 Inventory::Inventory(const DocumentContents& contents, std::uint64_t largestPiece)
     : reason(platform::fromUtf8(contents.reason)), largestPiece_(largestPiece)
 {
+    if (!contents.part && !contents.assembly)
+        refuse("the document is neither a part nor an assembly");
     texts.add(reason);
     if (contents.part) {
         addDocument(*contents.part, "the part document");

@@ -100,13 +100,12 @@ void Layout::line(unsigned indent)
 
 void Layout::element(std::string_view text, bool first, unsigned indent)
 {
-    if (!first) {
+    if (!first)
         write(",");
-        if (column_ + 1 + text.size() > kColumns)
-            line(indent);
-        else
-            write(" ");
-    }
+    if (column_ + 1 + text.size() > kColumns)
+        line(indent);
+    else if (!first)
+        write(" ");
     write(text);
 }
 

@@ -169,10 +169,11 @@ private:
         return at && !isDefault(record.object, field, at) ? at : nullptr;
     }
     // An empty vector differs from none at all, and so does a struct of a table.
-    static bool isDefault(const Object& owner, const Field& field, Place at)
+    bool isDefault(const Object& owner, const Field& field, Place at) const
     {
         if (field.isScalar())
-            return !owner.isWhole && bitsAt(at, field.type) == field.defaultBits;
+            return !owner.isWhole &&
+                   (bitsAt(at, field.type) == field.defaultBits || (field.isText && textAt(at).empty()));
         return owner.isStruct && field.run && flatbuffers::ReadScalar<std::uint32_t>(at + 4) == 0;
     }
 
@@ -229,7 +230,7 @@ private:
         if (all.object)
             appendShort({*all.object, all.at(i)});
         else if (all.areTexts)
-            appendText(flatbuffers::ReadScalar<std::uint32_t>(all.at(i)));
+            appendText(all.at(i));
         else
             appendScalar(short_, all.at(i), all.type);
         return short_;
@@ -253,24 +254,27 @@ private:
     void appendShort(const Field& field, Place at)
     {
         if (field.isText)
-            appendText(flatbuffers::ReadScalar<std::uint32_t>(at));
+            appendText(at);
         else if (field.isBits)
             appendBits(short_, bitsAt(at, field.type), 2 * widthOf(field.type));
         else
             appendScalar(short_, at, field.type);
     }
-    void appendText(std::uint32_t number)
+    void appendText(Place number)
     {
-        if (number == 0) {
-            short_ += "\"\"";
-            return;
-        }
+        const std::wstring text = decodeText(textAt(number));
+        if (!appendQuoted(short_, text))
+            appendNumbers(text);
+    }
+    std::string_view textAt(Place at) const
+    {
+        const auto number = flatbuffers::ReadScalar<std::uint32_t>(at);
+        if (number == 0)
+            return {};
         if (!texts_ || number > texts_->size())
             refuse("a record refers to a text that is not there");
         const flatbuffers::String& bytes = *texts_->Get(number - 1);
-        const std::wstring text = decodeText({bytes.c_str(), bytes.size()});
-        if (!appendQuoted(short_, text))
-            appendNumbers(text);
+        return {bytes.c_str(), bytes.size()};
     }
     // A text of which JSON has no form: its values one by one.
     void appendNumbers(std::wstring_view text)
