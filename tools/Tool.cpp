@@ -27,6 +27,7 @@
 #include "tools/StoredSettings.h"
 #include "tools/TemporaryBitmaps.h"
 #include "tools/TemporaryFolder.h"
+#include "tools/TessellationOption.h"
 #include "tools/TreeReport.h"
 #include "tools/Values.h"
 
@@ -39,6 +40,7 @@ struct Options {
     std::string document;
     std::string output;
     std::string configuration;
+    std::string tessellation;
     bool json = false;
     bool keep = false;
     DepthLimit depth;
@@ -76,6 +78,11 @@ public:
                 "Loads that configuration of an assembly, where the document has it. With convert: the "
                 "one that the written assembly opens with.")
             ->type_name("NAME");
+        app_.add_option(
+                "--tessellation", options_.tessellation,
+                "How fine faces of STEP and IGES documents are: how far they may lie from their surface, "
+                "as a share of their part's size, and how far they may turn. 0.001,20 if nothing is said.")
+            ->type_name("SHARE,DEGREES");
         app_.add_flag("--keep", options_.keep, "Leaves temporary bitmaps where they are.");
         for (CLI::App* command : {info_, tree_, materials_, animation_, shaderData_})
             command->add_flag("--json", options_.json, "Writes JSON.");
@@ -93,6 +100,8 @@ public:
         app_.parse(argumentCount, arguments);
         if (options_.configuration.find_first_of("\r\n") != std::string::npos)
             throw BadUsage("the name of a configuration is one line");
+        if (!options_.tessellation.empty() && !useTessellation(options_.tessellation))
+            throw BadUsage("\"" + options_.tessellation + "\" is no share and angle, such as 0.001,20");
         if (isConvert() && !isConversionTarget(options_.output))
             throw BadUsage("the file to write ends in .ovdl or .json");
         return options_;

@@ -20,8 +20,8 @@ struct WorkerLimits {
 /// refuses.
 PLATFORM_API bool limitThisProcess(const WorkerLimits& limits);
 
-/// From now on this process ends as soon as nobody holds the other end of that pipe, or the thread that
-/// started it has ended.
+/// From now on this process ends within moments when nobody holds the other end of that pipe any more, or when
+/// the thread that started it has ended.
 PLATFORM_API void endWithPipe(int pipe);
 
 /// From now on a signal that ends this process for a fault of its own (a bad access, an arithmetic fault,

@@ -55,7 +55,7 @@ bool isOfTheReaderInterface(const ExportedSymbol& symbol)
         "|(mg_[A-Za-z]+|restoreOleItems|SetOVDL_Callbacks)(\\[abi:cxx11\\])?\\(.*"
         "|operator[-*%]\\(mg.*"
         "|ovdl::(setProgressHandler|setCancelHandler|lastReason|formatNames|embeddedImage|prepareDocument"
-        "|forgetDocument|writeDocument|convertDocument)(\\[abi:cxx11\\])?\\(.*"
+        "|forgetDocument|writeDocument|convertDocument|setImportLimits|setTessellation)(\\[abi:cxx11\\])?\\(.*"
         "|((typeinfo|typeinfo name|vtable) for )?ovdl::PreparedDocument(::~?PreparedDocument\\(\\))?");
 }
 

@@ -19,6 +19,7 @@
 #include <set>
 
 #include "OcctModel.h"
+#include "Triangles.h"
 
 namespace step_tests {
 namespace {
@@ -58,44 +59,6 @@ std::vector<std::string> pathsOf(const ReadOutcome& outcome)
     for (const auto* component : components(outcome))
         paths.push_back(platform::toUtf8(component->name));
     return paths;
-}
-
-using Point = std::array<double, 3>;
-
-Point at(const ovArrayView<float>& values, long long vertex)
-{
-    return {values.data[3 * vertex], values.data[3 * vertex + 1], values.data[3 * vertex + 2]};
-}
-
-Point cross(const Point& a, const Point& b)
-{
-    return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
-}
-
-double dot(const Point& a, const Point& b)
-{
-    return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
-}
-
-Point difference(const Point& a, const Point& b)
-{
-    return {a[0] - b[0], a[1] - b[1], a[2] - b[2]};
-}
-
-// Corners of each triangle of a face, as numbers of its vertices.
-std::vector<std::array<long long, 3>> trianglesOf(const uoTempFaceTessData_c& face)
-{
-    std::vector<std::array<long long, 3>> result;
-    long long begin = 0;
-    for (std::int32_t strip = 0; strip < face.stripCount; ++strip) {
-        const long long length = face.stripLengths.data[strip];
-        for (long long i = 0; i + 2 < length; ++i) {
-            const long long odd = i % 2;
-            result.push_back({begin + i, begin + i + 1 + odd, begin + i + 2 - odd});
-        }
-        begin += length;
-    }
-    return result;
 }
 
 // Of a closed surface whose triangles turn outwards, above zero.
@@ -612,6 +575,46 @@ TEST_F(StepImport, ReadsNumbersTheSameInEveryLocale)
     const auto outcome = readPart(box(0.5, 0.25, 0.125));
     std::setlocale(LC_ALL, before.c_str());
     EXPECT_NEAR(boxOf(outcome).max[2], 0.000125, 1e-10);
+}
+
+// The angle is too small for the mesher, which raises an exception for each body.
+TEST_F(StepImport, LosesNoMoreThanTheBodiesOnWhichTheMesherFails)
+{
+    ModelBuilder model;
+    model.part("thing", compoundOf({box(1, 1, 1), BRepPrimAPI_MakeBox(gp_Pnt(5, 0, 0), 1, 1, 1).Shape()}));
+    model.writeStep(path_);
+    const ScopedVariable fine("RAYLUME_TESSELLATION", "0.001,1e-13");
+    const auto outcome = readPath();
+    const auto& part = partIn(outcome);
+    ASSERT_EQ(part.bodies.count, 2);
+    EXPECT_EQ(part.bodies.data[0]->faces.count, 6);
+    EXPECT_EQ(facesOf(part)[0]->stripCount, 0);
+}
+
+// A solid that stands in its product by way of a mapped item: turned half round z, and moved.
+TEST_F(StepImport, PlacesTheOnlyPartWhereTheFileHasIt)
+{
+    ModelBuilder model;
+    model.part("thing", box(10, 20, 30));
+    model.writeStep(path_);
+    replace("SHAPE_DEFINITION_REPRESENTATION(#4,#10);", "SHAPE_DEFINITION_REPRESENTATION(#4,#9001);");
+    replace("ENDSEC;\nEND-ISO",
+            "#9001 = SHAPE_REPRESENTATION('',(#9002),#345);\n"
+            "#9002 = MAPPED_ITEM('',#9003,#9004);\n"
+            "#9003 = REPRESENTATION_MAP(#11,#10);\n"
+            "#9004 = CARTESIAN_TRANSFORMATION_OPERATOR_3D('','','',#9005,#9006,#9008,1.,#9007);\n"
+            "#9005 = DIRECTION('',(-1.,0.,0.));\n"
+            "#9006 = DIRECTION('',(0.,-1.,0.));\n"
+            "#9007 = DIRECTION('',(0.,0.,1.));\n"
+            "#9008 = CARTESIAN_POINT('',(0.,0.,500.));\n"
+            "ENDSEC;\nEND-ISO");
+    const auto outcome = readPath();
+    EXPECT_THAT(pathsOf(outcome), ElementsAre("thing-1@model"));
+    const Box size = boxOf(outcome);
+    EXPECT_NEAR(size.min[0], -0.01, 1e-8);
+    EXPECT_NEAR(size.min[1], -0.02, 1e-8);
+    EXPECT_NEAR(size.max[1], 0, 1e-8);
+    EXPECT_NEAR(size.max[2], 0.53, 1e-8);
 }
 
 // A document of two parts whose second stands in another file.

@@ -630,6 +630,9 @@ const UsageCase kBadUsage[] = {
     {"a_depth_without_a_number", {"tree", "a", "--depth"}, "--depth"},
     {"a_depth_for_info", {"info", "a", "--depth", "1"}, "--depth"},
     {"a_configuration_without_a_name", {"info", "a", "--configuration"}, "--configuration"},
+    {"a_tessellation_of_one_number", {"info", "a", "--tessellation", "0.01"}, "no share and angle"},
+    {"a_tessellation_out_of_range", {"--tessellation", "0.01,200", "info", "a"}, "no share and angle"},
+    {"a_tessellation_with_more_behind", {"info", "a", "--tessellation", "0.01,5x"}, "no share and angle"},
 };
 class BadUsage : public testing::TestWithParam<UsageCase> {};
 TEST_P(BadUsage, ShowsWhyAndTheUsage)

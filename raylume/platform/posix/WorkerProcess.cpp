@@ -1,10 +1,10 @@
 #include "raylume/platform/WorkerProcess.h"
 
 #include <poll.h>
-#include <pthread.h>
 #include <signal.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
+#include <sys/time.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -35,13 +35,17 @@ bool limitIfSet(int resource, std::uint64_t value)
     return value == 0 || limit(resource, value);
 }
 
-// An error that is polled for comes up when the last reader is gone.
-void* watch(void* pipe)
+int watchedPipe = -1;
+
+// Nothing here but what a handler may call. The error of a pipe comes up when its last reader is gone.
+void lookAtPipe(int)
 {
-    struct pollfd watched = {static_cast<int>(reinterpret_cast<std::intptr_t>(pipe)), 0, 0};
-    while (poll(&watched, 1, -1) < 0 && errno == EINTR) {
+    const int error = errno;
+    struct pollfd watched = {watchedPipe, 0, 0};
+    if (poll(&watched, 1, 0) > 0 && (watched.revents & (POLLERR | POLLNVAL)) != 0) {
+        _exit(EXIT_FAILURE);
     }
-    _exit(EXIT_FAILURE);
+    errno = error;
 }
 
 int crashPipe = -1;
@@ -82,16 +86,20 @@ bool limitThisProcess(const WorkerLimits& limits)
            limitIfSet(RLIMIT_AS, limits.memoryBytes) && limitIfSet(RLIMIT_FSIZE, limits.fileBytes);
 }
 
+// By a clock and not by a thread: as long as there is one thread, the allocator takes no locks.
 void endWithPipe(int pipe)
 {
+    constexpr int kMicroseconds = 100000;
     signal(SIGPIPE, SIG_DFL);
     prctl(PR_SET_PDEATHSIG, SIGKILL);
-    pthread_attr_t attributes;
-    pthread_attr_init(&attributes);
-    pthread_attr_setdetachstate(&attributes, PTHREAD_CREATE_DETACHED);
-    pthread_t thread;
-    pthread_create(&thread, &attributes, watch, reinterpret_cast<void*>(static_cast<std::intptr_t>(pipe)));
-    pthread_attr_destroy(&attributes);
+    watchedPipe = pipe;
+    struct sigaction action = {};
+    action.sa_handler = lookAtPipe;
+    action.sa_flags = SA_RESTART;
+    sigemptyset(&action.sa_mask);
+    sigaction(SIGALRM, &action, nullptr);
+    const struct itimerval often = {{0, kMicroseconds}, {0, kMicroseconds}};
+    setitimer(ITIMER_REAL, &often, nullptr);
 }
 
 void announceCrashes(int pipe, std::string_view word)

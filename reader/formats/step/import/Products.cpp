@@ -322,6 +322,23 @@ void makeAssembly(const TDF_LabelSequence& top, AssemblyWalk& walk, PartMesh& pa
     walk.run(top);
 }
 
+// The part that the whole file is, if it is one.
+std::optional<Usage> soleUsage(const Model& model, const TDF_LabelSequence& top)
+{
+    if (model.isOnePart)
+        return Usage{{}, top, {}};
+    if (top.Size() != 1 || !isInPlace(top.First()))
+        return std::nullopt;
+    return Usages(XCAFDoc_DocumentTool::ColorTool(model.document->Main())).of(top.First(), true);
+}
+
+// A file's only assembly is the document itself.
+TDF_LabelSequence topComponents(const TDF_LabelSequence& top)
+{
+    const bool isRoot = top.Size() == 1 && isInPlace(top.First()) && isAssembly(productOf(top.First()));
+    return isRoot ? componentsOf(productOf(top.First())) : top;
+}
+
 }  // namespace
 
 void makeDocument(const Model& model, const ImportRequest& request, HostLink& link,
@@ -335,20 +352,12 @@ void makeDocument(const Model& model, const ImportRequest& request, HostLink& li
     if (top.IsEmpty())
         throw Refusal{"the file has no shapes"};
     PartMesh parts(model, request.tessellation, document);
-    const bool hasOneRoot = top.Size() == 1;
-    const Usages usages(XCAFDoc_DocumentTool::ColorTool(model.document->Main()));
-    std::optional<Usage> sole;
-    if (model.isOnePart)
-        sole = Usage{{}, top, {}};
-    else if (hasOneRoot)
-        sole = usages.of(top.First(), true);
-    if (sole) {
+    if (const auto sole = soleUsage(model, top)) {
         makePart(*sole, parts, range, document);
-        return;
+    } else {
+        AssemblyWalk walk(model, request, parts, document);
+        makeAssembly(topComponents(top), walk, parts, range, document);
     }
-    const TDF_LabelSequence components = hasOneRoot ? componentsOf(productOf(top.First())) : top;
-    AssemblyWalk walk(model, request, parts, document);
-    makeAssembly(components, walk, parts, range, document);
 }
 
 }  // namespace ovdl::step
