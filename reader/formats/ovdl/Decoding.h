@@ -13,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "raylume/platform/Memory.h"
 #include "reader/DocumentFormat.h"
 #include "reader/formats/ovdl/Budget.h"
 #include "reader/formats/ovdl/DecodedObjects.h"
@@ -109,7 +110,9 @@ void decodeRecords(const flatbuffers::Vector<flatbuffers::Offset<Record>>* recor
 {
     const std::size_t count = records ? records->size() : 0;
     decoding.budget.charge(count, sizeof(Object));
-    objects = std::vector<Object>(count);
+    objects.reserve(count);
+    platform::prepareForFilling(objects.data(), count * sizeof(Object));
+    objects.resize(count);
     for (std::size_t i = 0; i < count; ++i) {
         decoding.steps.tick();
         fill(*records->Get(static_cast<flatbuffers::uoffset_t>(i)), objects[i], decoding);

@@ -4,6 +4,7 @@
 // node of the tree for each token of a component's path.
 #include <algorithm>
 #include <memory>
+#include <string_view>
 #include <unordered_map>
 
 #include "reader/formats/ovdl/Decoding.h"
@@ -203,13 +204,23 @@ private:
     std::uint64_t model_ = 0;
 };
 
-// The nodes of the tree that a path needs and the one before did not. Neighbours mostly share theirs.
-Cost costOfNodes(const std::wstring& path, const std::wstring& before)
+// The tokens above the last, with the separator behind them.
+std::wstring_view parentsOf(std::wstring_view path)
 {
-    const auto shared = static_cast<std::size_t>(
-        std::mismatch(path.begin(), path.end(), before.begin(), before.end()).first - path.begin());
+    return path.substr(0, path.rfind(L'/') + 1);  // npos + 1 is 0
+}
+
+// The nodes of the tree that a path needs and the one before did not. Neighbours mostly hang under one
+// node, so that is looked at first.
+Cost costOfNodes(std::wstring_view parents, std::wstring_view before)
+{
     Cost cost;
-    for (std::size_t at = path.find(L'/', shared); at != std::wstring::npos; at = path.find(L'/', at + 1)) {
+    if (parents == before)
+        return cost;
+    const auto shared = static_cast<std::size_t>(
+        std::mismatch(parents.begin(), parents.end(), before.begin(), before.end()).first - parents.begin());
+    for (std::size_t at = parents.find(L'/', shared); at != std::wstring_view::npos;
+         at = parents.find(L'/', at + 1)) {
         cost.add(kTreeNode);
         cost.add(at, 2);
     }
@@ -240,20 +251,20 @@ public:
 
     void check(const std::vector<uoTempAssemblySHDData_c*>& components)
     {
-        static const std::wstring kNoPath;
         parts_.beginModel();
         Cost cost;
-        const std::wstring* before = &kNoPath;
+        std::wstring_view before;
         for (const uoTempAssemblySHDData_c* component : components) {
             decoding_.steps.tick();
             if (!component)
                 continue;
             cost.add(costOf(*component));
             check(cost);
-            cost.add(costOfNodes(component->name, *before).bytes());
+            const std::wstring_view parents = parentsOf(component->name);
+            cost.add(costOfNodes(parents, before).bytes());
+            before = parents;
             if (component->tessData)
                 cost.add(parts_.add(component->tessData, component->configIndex).bytes());
-            before = &component->name;
             check(cost);
         }
     }
