@@ -205,22 +205,23 @@ private:
 };
 
 // The tokens above the last, with the separator behind them.
-std::wstring_view parentsOf(std::wstring_view path)
+std::string_view parentsOf(std::string_view path)
 {
-    return path.substr(0, path.rfind(L'/') + 1);  // npos + 1 is 0
+    return path.substr(0, path.rfind('/') + 1);  // npos + 1 is 0
 }
 
 // The nodes of the tree that a path needs and the one before did not. Neighbours mostly hang under one
 // node, so that is looked at first.
-Cost costOfNodes(std::wstring_view parents, std::wstring_view before)
+Cost costOfNodes(std::string_view parents, std::string_view before)
 {
     Cost cost;
     if (parents == before)
         return cost;
     const auto shared = static_cast<std::size_t>(
-        std::mismatch(parents.begin(), parents.end(), before.begin(), before.end()).first - parents.begin());
-    for (std::size_t at = parents.find(L'/', shared); at != std::wstring_view::npos;
-         at = parents.find(L'/', at + 1)) {
+        std::mismatch(parents.begin(), parents.end(), before.begin(), before.end()).first -
+        parents.begin());
+    for (std::size_t at = parents.find('/', shared); at != std::string_view::npos;
+         at = parents.find('/', at + 1)) {
         cost.add(kTreeNode);
         cost.add(at, 2);
     }
@@ -234,9 +235,12 @@ public:
     {
         const auto& components = decoding.objects.components;
         components_.reserve(components.size());
-        for (const uoTempAssemblySHDData_c& component : components) {
+        for (std::size_t i = 0; i < components.size(); ++i) {
             decoding.steps.tick();
-            components_.push_back(costOfInstance(component).bytes());
+            const auto& record =
+                *decoding.document.components()->Get(static_cast<flatbuffers::uoffset_t>(i));
+            components_.push_back(
+                {costOfInstance(components[i]).bytes(), parentsOf(decoding.textBytes(record.name()))});
         }
     }
 
@@ -253,16 +257,16 @@ public:
     {
         parts_.beginModel();
         Cost cost;
-        std::wstring_view before;
+        std::string_view before;
         for (const uoTempAssemblySHDData_c* component : components) {
             decoding_.steps.tick();
             if (!component)
                 continue;
-            cost.add(costOf(*component));
+            const Component& known = knownOf(*component);
+            cost.add(known.cost);
             check(cost);
-            const std::wstring_view parents = parentsOf(component->name);
-            cost.add(costOfNodes(parents, before).bytes());
-            before = parents;
+            cost.add(costOfNodes(known.parents, before).bytes());
+            before = known.parents;
             if (component->tessData)
                 cost.add(parts_.add(component->tessData, component->configIndex).bytes());
             check(cost);
@@ -270,6 +274,12 @@ public:
     }
 
 private:
+    // The path as it lies in the document: as wide text it is four times as long.
+    struct Component {
+        std::uint64_t cost;
+        std::string_view parents;
+    };
+
     static Cost costOfInstance(const uoTempAssemblySHDData_c& component)
     {
         Cost cost(kInstance);
@@ -279,7 +289,7 @@ private:
         return cost;
     }
 
-    std::uint64_t costOf(const uoTempAssemblySHDData_c& component) const
+    const Component& knownOf(const uoTempAssemblySHDData_c& component) const
     {
         return components_[static_cast<std::size_t>(&component - decoding_.objects.components.data())];
     }
@@ -293,7 +303,7 @@ private:
     Decoding& decoding_;
     std::uint64_t limit_;
     PartCosts parts_;
-    std::vector<std::uint64_t> components_;
+    std::vector<Component> components_;
 };
 
 }  // namespace
