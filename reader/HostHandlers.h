@@ -13,7 +13,8 @@
 namespace ovdl {
 
 /// Called while a document is read, with a share from 0 to 1 that never falls within one read; the
-/// last call of a read that went well says 1. An empty handler takes it away.
+/// last call of a read that went well says 1, before the library translates what was read. An empty handler
+/// takes it away.
 OVDL_API void setProgressHandler(std::function<void(float done)> handler);
 /// Asked while a document is read, at least once; true ends the read, which leaves an empty assembly
 /// document that is not rejected. The host that cancels sets g_terminateLoad too, so that the load

@@ -3,48 +3,15 @@
 #include <chrono>
 #include <exception>
 #include <new>
-#include <optional>
 
 #include "raylume/platform/Text.h"
 #include "reader/HostHandlers.h"
 #include "tools/Interruption.h"
-#include "tools/ProgressBar.h"
+#include "tools/ReaderHandlers.h"
 #include "tools/Values.h"
 
 namespace tool {
 namespace {
-
-/// The reader's handlers, for as long as one load takes.
-class Handlers {
-public:
-    explicit Handlers(std::ostream* progressTo)
-    {
-        ovdl::setCancelHandler(cancelled);
-        if (!progressTo)
-            return;
-        bar_.emplace(*progressTo);
-        ovdl::setProgressHandler([this](float done) { bar_->show(done); });
-    }
-    Handlers(const Handlers&) = delete;
-    Handlers& operator=(const Handlers&) = delete;
-    ~Handlers()
-    {
-        ovdl::setProgressHandler({});
-        ovdl::setCancelHandler({});
-    }
-
-private:
-    // The reader alone would leave an empty assembly; the library's flag makes the load end.
-    static bool cancelled()
-    {
-        if (!Interruption::requested())
-            return false;
-        g_terminateLoad = true;
-        return true;
-    }
-
-    std::optional<ProgressBar> bar_;
-};
 
 void readModel(const LoadRequest& request, LoadedDocument& loaded)
 {
@@ -52,7 +19,7 @@ void readModel(const LoadRequest& request, LoadedDocument& loaded)
         loaded.configuration =
             std::make_unique<ConfigurationRequest>(request.configuration, request.keepBitmaps);
     const std::string path = platform::narrow(platform::fromUtf8(request.document));
-    const Handlers handlers(request.progressTo);
+    const ReaderHandlers handlers(request.progressTo);
     SearchJournal journal;
     const auto start = std::chrono::steady_clock::now();
     loaded.model.reset(dlModel::ReadModel(path.c_str()));

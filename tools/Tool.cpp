@@ -14,6 +14,7 @@
 #include "raylume/platform/Text.h"
 #include "raylume/services/Locations.h"
 #include "tools/AnimationReport.h"
+#include "tools/Conversion.h"
 #include "tools/GltfExport.h"
 #include "tools/ImageSearch.h"
 #include "tools/InfoReport.h"
@@ -64,12 +65,16 @@ public:
           materials_(addCommand("materials", "Appearances of a document, and their textures.")),
           animation_(addCommand("animation", "Animation tracks of a document.")),
           shaderData_(addCommand("shaderdata", "Render settings that are stored in a document.")),
-          export_(addCommand("export", "Writes the loaded model as a binary glTF 2.0 file."))
+          export_(addCommand("export", "Writes the loaded model as a binary glTF 2.0 file.")),
+          convert_(
+              addCommand("convert", "Writes the whole document as .ovdl, or as JSON in the same schema."))
     {
         app_.require_subcommand(1);
         app_.set_version_flag("--version", std::string(kProgram) + " " RAYLUME_VERSION);
-        app_.add_option("--configuration", options_.configuration,
-                        "Loads that configuration of an assembly, where the document has it.")
+        app_.add_option(
+                "--configuration", options_.configuration,
+                "Loads that configuration of an assembly, where the document has it. With convert: the "
+                "one that the written assembly opens with.")
             ->type_name("NAME");
         app_.add_flag("--keep", options_.keep, "Leaves temporary bitmaps where they are.");
         for (CLI::App* command : {info_, tree_, materials_, animation_, shaderData_})
@@ -78,6 +83,9 @@ public:
             ->type_name("N")
             ->check(isCount);
         export_->add_option("OUT", options_.output, "The file to write (.glb).")->required()->type_name("");
+        convert_->add_option("OUT", options_.output, "The file to write (.ovdl or .json).")
+            ->required()
+            ->type_name("");
     }
 
     const Options& parse(int argumentCount, const char* const* arguments)
@@ -85,6 +93,8 @@ public:
         app_.parse(argumentCount, arguments);
         if (options_.configuration.find_first_of("\r\n") != std::string::npos)
             throw BadUsage("the name of a configuration is one line");
+        if (isConvert() && !isConversionTarget(options_.output))
+            throw BadUsage("the file to write ends in .ovdl or .json");
         return options_;
     }
 
@@ -94,6 +104,7 @@ public:
     bool isAnimation() const { return animation_->parsed(); }
     bool isShaderData() const { return shaderData_->parsed(); }
     bool isExport() const { return export_->parsed(); }
+    bool isConvert() const { return convert_->parsed(); }
 
     CLI::App& app() { return app_; }
 
@@ -125,6 +136,7 @@ private:
     CLI::App* animation_;
     CLI::App* shaderData_;
     CLI::App* export_;
+    CLI::App* convert_;
 };
 
 std::string nativePath(const std::string& utf8Path)
@@ -151,6 +163,8 @@ public:
         if (line_.isShaderData())
             return showSettings();
         interruption_.emplace();
+        if (line_.isConvert())
+            return convertTo();
         if (line_.isExport())
             refuseBadOutput();
         TemporaryBitmaps bitmaps(options_.keep);
@@ -191,9 +205,25 @@ private:
         std::error_code failed;
         if (std::filesystem::equivalent(nativePath(options_.document), output(), failed))
             throw BadUsage("the file to write is the document itself");
+        refuseUnwritable();
+    }
+
+    void refuseUnwritable()
+    {
         const std::string obstacle = whyNotWritable(output());
         if (!obstacle.empty())
             refuseOutput(obstacle);
+    }
+
+    int convertTo()
+    {
+        refuseUnwritable();
+        const std::string failure = convert(
+            {options_.document, options_.output, options_.configuration, terminal_ ? &err_ : nullptr});
+        if (failure.empty())
+            return kModelLoaded;
+        say(err_, failure);
+        return kNoModel;
     }
 
     std::string output() const { return nativePath(options_.output); }

@@ -25,7 +25,7 @@ public:
     float factorC = 1.0f;
     float colour[3] = {1.0f, 1.0f, 1.0f};
     float position[3] = {0, 0, 0};
-    float direction[3] = {0, 0, 1};
+    float direction[3] = {0, 0, 1};  ///< Of an aimed light x three times: aim by `rotation`.
     float valueD = 0;
     float valueE = 0;
     float rotation[3] = {0, 0, 0};  ///< Angles about x, y and z.

@@ -33,8 +33,9 @@ public:
 ///   nothing: a copy is good for reading only, and at most one of a source and its copy may be
 ///   destroyed.
 /// Units: metres and radians, right-handed as the document is.
-/// Threads: built by the thread that calls ReadModel, read without a lock afterwards. Loads must not
-///   overlap.
+/// Threads: built by the thread that calls ReadModel. Fields are read without a lock afterwards; three
+///   operations keep what they found and need one: dlBBox::getRadius and dlPart's getAssociatedItemID and
+///   getAssociatedPersistentID. Loads must not overlap.
 /// Layout: hosts read the fields directly; order and defaults are a contract.
 class DL_API dlModel {
 public:
@@ -92,16 +93,17 @@ public:
     std::string modelName;  ///< The document's file name with extension.
     bool versionGatePassed = false;
     bool loadRejected = false;
-    dlXform viewXform;
+    dlXform viewXform;  ///< From the model into the view: the inverse of the document's own.
     float viewPoint[3] = {0, 0, 0};
     float viewDirection[3] = {0, 0, 0};
     double viewScale = 0;
     std::uint32_t documentVersion = 0xFFFFFFFFu;
-    dlScene scene;
+    dlScene scene;  ///< Of part documents; an assembly's keeps its defaults.
     bool hasDocumentExtras = false;
     /// Samples by component name, and under "@CAMERA", "@VIEWPORT" and "@LIGHTS".
     std::map<std::wstring, dlAnimTrackSet> animationTracks;
-    /// The placement of every component by its name, of those without an instance too.
+    /// The placement of every component by its name, of those without an instance too. Empty for a part
+    /// document.
     std::map<std::wstring, dlComponentXform> componentXforms;
     /// Every part, by its geometry key (an identity, never an object to look into) and its
     /// configuration. Owned.

@@ -29,5 +29,7 @@ DL_API int rlu_GetPictureFileData(const std::wstring& path, int& width, int& hei
 /// that was chosen, with no file behind it.
 DL_API std::wstring rlu_SaveAsBitmap(int width, int height, int stride, const unsigned char* pixels);
 
-/// Deletes the files of the temporary folder of this process, and then the folder.
+/// Deletes the files of the temporary folder of this process, and then the folder. Decals that were baked
+/// are remembered by their files for the life of the process (dlDecal.h), so a load after this call names
+/// files that are gone: call it when the last document is closed.
 DL_API void rlu_ClearTempBMPFiles();

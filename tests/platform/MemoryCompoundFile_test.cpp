@@ -1,5 +1,6 @@
 // The machine in memory has compound files with the same views.
 #include "CompoundFileTools.h"
+#include "raylume/platform/CompoundCopy.h"
 #include "tests/memory_platform/MemoryPlatform.h"
 
 namespace {
@@ -49,6 +50,23 @@ TEST_F(MemoryCompoundFile, StaysAsItWasWhenWritingFails)
     }
     EXPECT_EQ(bytesOf(*openFile("a").get(), L"Data"), "old");
     EXPECT_RESULT(0x80030070, platform::createCompoundFile(L"b", false, Storage().out()));
+}
+
+TEST_F(MemoryCompoundFile, IsCopiedWithWhatStoragesSayOfThemselves)
+{
+    put(*createIn(*createFile("a").get(), L"Inner").get(), L"Data", "bytes");
+    platform::compound::Element& inner = *machine().compoundFiles.at(L"a")->find(L"Inner");
+    inner.classId = {1, 2, 3};
+    inner.modified = 12345;
+    {
+        const Storage target = createFile("b");
+        ASSERT_RESULT(0, platform::copyElement(*openFile("a").get(), L"Inner", *target.get()));
+    }
+    const auto copy = machine().compoundFiles.at(L"b")->find(L"Inner");
+    ASSERT_NE(copy, nullptr);
+    EXPECT_EQ(copy->classId, inner.classId);
+    EXPECT_EQ(copy->modified, inner.modified);
+    EXPECT_EQ(bytesOf(*openIn(*openFile("b").get(), L"Inner").get(), L"Data"), "bytes");
 }
 
 }  // namespace

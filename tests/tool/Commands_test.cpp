@@ -27,6 +27,7 @@ using tool_test::band;
 using tool_test::DocumentBuilder;
 using tool_test::Folder;
 using tool_test::Prepared;
+using tool_test::readFile;
 
 struct Said {
     int status;
@@ -421,6 +422,121 @@ TEST(TemporaryFolder, IsProvidedWhenTheEnvironmentNamesNone)
     platform::removeEnvironmentVariable("tmp");
 }
 
+// ------------------------------------------------------------------------------------- conversions
+
+/// What "tree" says of a document.
+std::string treeOf(const std::string& path, std::vector<std::string> options = {})
+{
+    options.insert(options.begin(), {"tree", path});
+    const Said said = run(options);
+    EXPECT_EQ(said.status, 0) << said.err;
+    return said.out;
+}
+
+TEST(Convert, WritesADocumentThatIsTheSame)
+{
+    const Folder folder;
+    const Prepared document("/prepared/box.asm", fillAssembly);
+    for (const char* name : {"box.ovdl", "box.json", "OTHER.OVDL"}) {
+        const Said said = run({"convert", document.path(), folder / name});
+        EXPECT_EQ(said.status, 0);
+        EXPECT_EQ(said.out, "");
+        EXPECT_EQ(said.err, "");
+        EXPECT_EQ(treeOf(folder / name), treeOf(document.path()));
+        EXPECT_EQ(treeOf(folder / name, {"--configuration", "Kurz \u00FC\tx"}),
+                  treeOf(document.path(), {"--configuration", "Kurz \u00FC\tx"}));
+    }
+    EXPECT_THAT(folder.entries(), testing::UnorderedElementsAre("box.ovdl", "box.json", "OTHER.OVDL"));
+}
+
+TEST(Convert, MakesAConfigurationTheOneThatTheDocumentOpensWith)
+{
+    const Folder folder;
+    const Prepared document("/prepared/box.asm", fillAssembly);
+    const Said said =
+        run({"--configuration", "Kurz \u00FC\tx", "convert", document.path(), folder / "o.ovdl"});
+    EXPECT_EQ(said.status, 0);
+    EXPECT_EQ(treeOf(folder / "o.ovdl"), treeOf(document.path(), {"--configuration", "Kurz \u00FC\tx"}));
+    EXPECT_NE(treeOf(folder / "o.ovdl"), treeOf(document.path()));
+}
+
+TEST(Convert, FailsForAConfigurationThatTheDocumentLacks)
+{
+    const Folder folder;
+    const Prepared document("/prepared/box.asm", fillAssembly);
+    const Said said = run({"convert", document.path(), folder / "o.ovdl", "--configuration", "Lang"});
+    EXPECT_EQ(said.status, 1);
+    EXPECT_EQ(said.err,
+              "raylume-dl: /prepared/box.asm: not converted: the document has no configuration \"Lang\"\n");
+    EXPECT_THAT(folder.entries(), IsEmpty());
+}
+
+TEST(Convert, WritesADocumentOverItself)
+{
+    const Folder folder;
+    const Prepared document("/prepared/box.asm", fillAssembly);
+    for (const std::string& path : {folder / "o.ovdl", folder / "o.json"}) {
+        ASSERT_EQ(run({"convert", document.path(), path}).status, 0);
+        const std::string before = readFile(path);
+        const Said said = run({"convert", path, path});
+        EXPECT_EQ(said.status, 0) << said.err;
+        EXPECT_TRUE(readFile(path) == before);
+    }
+}
+
+TEST(Convert, TellsWhyThereIsNoDocument)
+{
+    const Folder folder;
+    const Said said = run({"convert", folder / "missing", folder / "o.ovdl"});
+    EXPECT_EQ(said.status, 1);
+    EXPECT_EQ(said.out, "");
+    EXPECT_EQ(said.err, "raylume-dl: " + folder / "missing" +
+                            ": not converted: the document cannot be opened (there is no such file)\n");
+    EXPECT_THAT(folder.entries(), IsEmpty());
+}
+
+TEST(Convert, TellsWhyADocumentIsRejected)
+{
+    const Folder folder;
+    const Prepared document("/prepared/bad.asm", [](DocumentBuilder& builder) {
+        fillAssembly(builder);
+        builder.document().rejected = true;
+        builder.document().reason = "too\nold";
+    });
+    const Said said = run({"convert", document.path(), folder / "o.ovdl"});
+    EXPECT_EQ(said.status, 1);
+    EXPECT_EQ(said.err,
+              "raylume-dl: /prepared/bad.asm: not converted: the document is rejected (too old)\n");
+}
+
+TEST(Convert, LooksWhetherItMayWriteBeforeItReads)
+{
+    const Folder folder;
+    bool isRead = false;
+    const Prepared document("/prepared/box.asm", [&isRead](DocumentBuilder& builder) {
+        fillAssembly(builder);
+        isRead = true;
+    });
+    std::filesystem::create_directory(folder / "f.ovdl");
+    const Said folderSaid = run({"convert", document.path(), folder / "f.ovdl"});
+    EXPECT_EQ(folderSaid.status, 1);
+    EXPECT_EQ(folderSaid.err,
+              "raylume-dl: " + folder / "f.ovdl" + ": the file cannot be written (it is a folder)\n");
+    const Said missing = run({"convert", document.path(), folder / "none/o.ovdl"});
+    EXPECT_EQ(missing.status, 1);
+    EXPECT_THAT(missing.err, HasSubstr("(there is no folder for it)"));
+    EXPECT_FALSE(isRead);
+}
+
+TEST(Convert, DrawsAndErasesProgressOnATerminal)
+{
+    const Folder folder;
+    const Prepared document("/prepared/box.asm", fillAssembly);
+    const Said said = run({"convert", document.path(), folder / "o.ovdl"}, true);
+    EXPECT_EQ(said.status, 0);
+    EXPECT_THAT(said.err, HasSubstr("100 %"));
+}
+
 // ------------------------------------------------------------------------------------ interruption
 
 TEST(Interruption, CancelsALoad)
@@ -431,10 +547,12 @@ TEST(Interruption, CancelsALoad)
             fillAssembly(builder);
             std::raise(signal);
         });
-        for (const char* command : {"info", "tree", "materials", "export"}) {
+        for (const char* command : {"info", "tree", "materials", "export", "convert"}) {
             std::vector<std::string> arguments = {command, document.path()};
             if (arguments[0] == "export")
                 arguments.push_back(folder / "o.glb");
+            if (arguments[0] == "convert")
+                arguments.push_back(folder / "o.ovdl");
             const Said said = run(arguments);
             EXPECT_EQ(said.status, 1) << command;
             EXPECT_EQ(said.out, "") << command;
@@ -500,6 +618,10 @@ const UsageCase kBadUsage[] = {
     {"an_unknown_command_with_a_document", {"frobnicate", "x.gltf"}, "there is no command \"frobnicate\""},
     {"no_document", {"info"}, "DOC is required"},
     {"no_output", {"export", "x.gltf"}, "OUT is required"},
+    {"no_output_of_a_conversion", {"convert", "x.gltf"}, "OUT is required"},
+    {"a_conversion_to_another_ending", {"convert", "x.gltf", "x.glb"}, "ends in .ovdl or .json"},
+    {"a_conversion_to_no_ending", {"convert", "x.gltf", "ovdl"}, "ends in .ovdl or .json"},
+    {"json_of_a_conversion", {"convert", "a", "b.ovdl", "--json"}, "--json"},
     {"too_many_documents", {"tree", "a", "b"}, "b"},
     {"an_unknown_option", {"info", "a", "--yaml"}, "--yaml"},
     {"json_of_an_export", {"export", "a", "b", "--json"}, "--json"},
