@@ -6,6 +6,7 @@
 gearbox.gltf   an assembly: nested levels, shared meshes, mirrored and stretched placements,
                transparency, emission, an embedded image, a light and a camera
 bracket.gltf   a part: one mesh that stands where the file's origin is
+desk-lamp/, bicycle-bell/   see make_documents.py
 
 Lengths are metres, y is up. Only the standard library is used, and the image is stored without
 compression, whose bytes change from one version of a library to the next: a second run changes
@@ -17,6 +18,7 @@ import json
 import math
 import pathlib
 import struct
+import sys
 import zlib
 
 FOLDER = pathlib.Path(__file__).resolve().parent
@@ -365,3 +367,8 @@ def bracket():
 if __name__ == "__main__":
     gearbox()
     bracket()
+    sys.dont_write_bytecode = True
+    import make_documents
+
+    make_documents.desk_lamp()
+    make_documents.bicycle_bell()

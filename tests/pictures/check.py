@@ -34,6 +34,30 @@ SAMPLES = {
             Colour("signal yellow", (225, 205, 100), 35, 0.02, 0.08),
         ),
     ),
+    "desk-lamp.ovdl": Expected(
+        SIZE,
+        0.06,
+        0.11,
+        (
+            Colour("teal lacquer of base, rod and shade", (30, 100, 108), 30, 0.45, 0.75),
+            Colour("upper rod in the red of its component", (190, 40, 30), 40, 0.02, 0.07),
+            Colour("letters and stars whose surroundings are masked", (240, 215, 120), 35, 0.015, 0.05),
+            Colour("surroundings of the letter whose mask is inverted", (200, 100, 40), 35, 0.003, 0.02),
+            Colour("brass of knuckles", (150, 95, 30), 40, 0.008, 0.04),
+        ),
+    ),
+    "bicycle-bell.ovdl": Expected(
+        SIZE,
+        0.11,
+        0.18,
+        (
+            Colour("red dome", (190, 40, 30), 40, 0.50, 0.80),
+            Colour("black plastic of base and cap", (25, 25, 25), 20, 0.08, 0.22),
+            Colour("chrome of the lever", (190, 192, 194), 25, 0.02, 0.10),
+            Colour("white of the bird", (235, 235, 230), 25, 0.02, 0.10),
+            Colour("blue wing", (45, 60, 130), 35, 0.006, 0.04),
+        ),
+    ),
 }
 
 
