@@ -41,7 +41,10 @@ public:
 // Reads the object that holds all the others.
 class TextReading {
 public:
-    TextReading(std::string_view text, Streams& streams) : tokens_(text), streams_(streams) {}
+    TextReading(std::string_view text, const std::function<void()>& ask, Streams& streams)
+        : tokens_(text, ask), streams_(streams)
+    {
+    }
 
     void read()
     {
@@ -180,10 +183,10 @@ bool startsLikeOurJson(std::string_view start)
     return start.substr(0, 6) == "\"ovdl\"";
 }
 
-std::unique_ptr<DocumentStreams> readJsonStreams(std::string_view text)
+std::unique_ptr<DocumentStreams> readJsonStreams(std::string_view text, const std::function<void()>& ask)
 {
     auto streams = std::make_unique<json::Streams>();
-    json::TextReading(text, *streams).read();
+    json::TextReading(text, ask, *streams).read();
     return streams;
 }
 
