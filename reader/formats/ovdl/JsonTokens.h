@@ -39,7 +39,8 @@ public:
 
     /// Refuses what was read last.
     [[noreturn]] void fail(const std::string& reason) const;
-    std::size_t offset() const { return static_cast<std::size_t>(at_ - begin_); }
+    /// Of the whole text.
+    std::size_t size() const { return static_cast<std::size_t>(end_ - begin_); }
 
 private:
     [[noreturn]] void failHere(const std::string& reason);
