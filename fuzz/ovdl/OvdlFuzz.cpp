@@ -17,6 +17,16 @@ void require(bool holds)
         std::abort();
 }
 
+ovdl_tests::Buffers buffersOf(const std::uint8_t* data, std::size_t size)
+{
+    if (!ovdl_fuzz::isPatch(data, size))
+        return ovdl_fuzz::unbundle(data, size);
+    static const ovdl_tests::Buffers sound = ovdl_tests::everything().buffers();
+    ovdl_tests::Buffers buffers = sound;
+    ovdl_fuzz::patch(buffers, data + 2, size - 2);
+    return buffers;
+}
+
 // As the library does when it loads the document.
 void loadPart(OVDLPartDocument& part)
 {
@@ -50,7 +60,7 @@ void load(ovdl::DecodedDocument& document)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    const ovdl_tests::Buffers buffers = ovdl_fuzz::unbundle(data, size);
+    const ovdl_tests::Buffers buffers = buffersOf(data, size);
     const ovdl::ReadOutcome outcome = ovdl_tests::decode(buffers);
     require(outcome.kind == ovdl::ReadOutcome::kRead ? outcome.document != nullptr
                                                      : !outcome.reason.empty());

@@ -1,5 +1,10 @@
-// Several streams in one input: for each a number, a piece and a size, 16 bits little-endian each, then so
-// many bytes of it, or as many as are left. The first one is the document, whatever its numbers.
+// Two kinds of input.
+//
+// Several streams: for each a number, a piece and a size, 16 bits little-endian each, then so many bytes of
+// it, or as many as are left. The first one is the document; its number is 0.
+//
+// Numbers for a sound document, since most changes of bytes end at the verifier: two bytes of ones, then
+// for each change the stream, the word within it (16 bits) and its new value (32 bits).
 #pragma once
 
 #include <algorithm>
@@ -30,6 +35,24 @@ inline ovdl_tests::Buffers unbundle(const std::uint8_t* data, std::size_t size)
         size -= kHead + length;
     }
     return buffers;
+}
+
+inline bool isPatch(const std::uint8_t* data, std::size_t size)
+{
+    return size >= 2 && data[0] == 0xFF && data[1] == 0xFF;
+}
+
+inline void patch(ovdl_tests::Buffers& buffers, const std::uint8_t* data, std::size_t size)
+{
+    constexpr std::size_t kChange = 7;
+    for (; size >= kChange; data += kChange, size -= kChange) {
+        ovdl_tests::Buffer* stream = &buffers.document;
+        for (auto& [key, bytes] : buffers.tessellations)
+            if (key.first + key.second + 1 == data[0] % 4u)
+                stream = &bytes;
+        const std::size_t word = static_cast<std::size_t>(data[1] | data[2] << 8) % (stream->size() / 4);
+        std::copy_n(data + 3, 4, stream->begin() + static_cast<std::ptrdiff_t>(4 * word));
+    }
 }
 
 inline std::string bundle(const ovdl_tests::Buffers& buffers)

@@ -27,5 +27,7 @@ int main(int count, char** arguments)
     rejected.assembly().rejected = true;
     rejected.document.reason = rejected.text("why");
     write(folder, "rejected", rejected);
+    std::ofstream(folder + "/patch", std::ios::binary)
+        << std::string("\xFF\xFF", 2) + std::string(14, '\0');
     return 0;
 }

@@ -181,4 +181,23 @@ TEST_F(CompoundSink, RefusesAStorageThatIsOpenedForReading)
     }
 }
 
+TEST_F(CompoundSink, RefusesMoreElementsThanAStorageHolds)
+{
+    const Storage root = openFile(path, true);
+    for (int i = 0; i < 32768; ++i) {
+        Stream stream;
+        ASSERT_RESULT(0, root->CreateStream(std::to_wstring(i).c_str(), kWriting, stream.out()));
+    }
+    const ManyParts document(1);
+    try {
+        ovdl::encodeDocument(document.contents, *ovdl::makeCompoundSink(*root.get()));
+        FAIL() << "nothing was refused";
+    } catch (const ovdl::Refusal& refusal) {
+        EXPECT_STREQ(refusal.what(), "the document has more parts than fit into a compound file");
+    }
+    // Nothing of it has to be saved when the last view goes.
+    for (int i = 0; i < 32768; ++i)
+        ASSERT_RESULT(0, root->DestroyElement(std::to_wstring(32767 - i).c_str()));
+}
+
 }  // namespace

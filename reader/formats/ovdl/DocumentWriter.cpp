@@ -258,8 +258,9 @@ void convert(const std::wstring& source, const std::wstring& target, const std::
     std::optional<OVDLAssemblyDocument> assembly;
     if (!configuration.empty())
         contents.assembly = &assembly.emplace(openingWith(contents, configuration));
-    write(
-        target, contents, [&](IStorage& root) { carrySettings(source, root); }, checkCancelled);
+    const auto fillMore = [&source](IStorage& root) { carrySettings(source, root); };
+    // No bare function: its type would be exported with the library.
+    write(target, contents, fillMore, [] { checkCancelled(); });
 }
 
 template <class Work>
