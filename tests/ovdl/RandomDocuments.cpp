@@ -113,11 +113,10 @@ private:
             fill(list.emplace_back());
     }
 
+    // Types without a name are lights like others.
     void fill(LIGHT_TYPE& type)
     {
-        static constexpr LIGHT_TYPE kTypes[] = {LIGHT_AIMED, LIGHT_POSITIONED, LIGHT_DIRECTIONAL,
-                                                LIGHT_SUN};
-        type = kTypes[below(4)];
+        type = static_cast<LIGHT_TYPE>(below(4) == 0 ? bits<std::int32_t>() : below(8));
     }
     void fill(VizPropMode_e& mode) { mode = static_cast<VizPropMode_e>(bits<std::int32_t>()); }
 
