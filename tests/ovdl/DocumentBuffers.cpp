@@ -142,7 +142,7 @@ private:
 
     void take(const moLight_c& light)
     {
-        sum_ += light.getLightType();
+        sum_ += static_cast<double>(light.getLightType());
         sum_ += light.sourceVectorC[2];
     }
 

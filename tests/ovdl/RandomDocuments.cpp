@@ -192,9 +192,9 @@ private:
         for (int strip = 0; strip < face.stripCount; ++strip)
             vertices += lengths[static_cast<std::size_t>(strip)];
         face.stripLengths = document_.view(std::move(lengths));
-        face.points = floats(3 * (vertices + below(2)));
-        face.normals = floats(3 * (vertices + below(2)));
-        face.uvs = floats(2 * (face.hasUVs != 0 ? vertices + below(2) : below(3)));
+        face.points = floats(3 * vertices + below(5));
+        face.normals = floats(3 * vertices + below(5));
+        face.uvs = floats(face.hasUVs != 0 ? 2 * vertices + below(4) : below(5));
     }
 
     ovArrayView<float> floats(int count)
