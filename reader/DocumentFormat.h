@@ -87,6 +87,7 @@ std::unique_ptr<DocumentFormat> makePreparedFormat();
 /// Asked before glTF, which is JSON too.
 std::unique_ptr<DocumentFormat> makeOvdlJsonFormat();
 std::unique_ptr<DocumentFormat> makeGltfFormat();
+std::unique_ptr<DocumentFormat> makeStepFormat();
 /// Recognises compound files that hold a document.
 std::unique_ptr<DocumentFormat> makeOvdlFormat();
 /// Recognises every compound file and rejects it, so it is asked last.

@@ -10,6 +10,7 @@ std::vector<std::unique_ptr<DocumentFormat>> makeFormats()
     formats.push_back(makePreparedFormat());
     formats.push_back(makeOvdlJsonFormat());
     formats.push_back(makeGltfFormat());
+    formats.push_back(makeStepFormat());
     formats.push_back(makeOvdlFormat());
     formats.push_back(makeCompoundFormat());
     return formats;

@@ -57,6 +57,8 @@ public:
     std::size_t size() const { return size_; }
 
 private:
+    friend class AnonymousFile;
+    static std::unique_ptr<MappedFile> ofHandle(int number, std::uint64_t size);
     MappedFile(const unsigned char* data, std::size_t size);
 
     const unsigned char* data_;

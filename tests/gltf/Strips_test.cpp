@@ -1,4 +1,4 @@
-#include "reader/formats/gltf/Strips.h"
+#include "reader/formats/strips/Strips.h"
 
 #include <gmock/gmock.h>
 #include <rapidcheck/gtest.h>
@@ -8,15 +8,15 @@
 #include <random>
 #include <set>
 
-#include "reader/formats/gltf/StripGrowing.h"
+#include "reader/formats/strips/StripGrowing.h"
 
 namespace gltf_tests {
 namespace {
 
-using ovdl::gltf::StripGrower;
-using ovdl::gltf::StripIds;
-using ovdl::gltf::Stripifier;
-using ovdl::gltf::TriangleList;
+using ovdl::StripGrower;
+using ovdl::StripIds;
+using ovdl::Stripifier;
+using ovdl::TriangleList;
 
 using Ids = std::vector<std::uint32_t>;
 using IdTriangle = std::array<std::uint32_t, 3>;

@@ -171,6 +171,35 @@ private:
     FileSink& sink_;
 };
 
+HResult writeTree(int number, Element& root, std::size_t sectorSize)
+{
+    BufferedSink sink(number);
+    const HResult result = GsfTreeWriter(sink).write(root, sectorSize);
+    // What the system said of the file tells more than what libgsf made of it.
+    const HResult finished = sink.finish();
+    return finished < 0 ? finished : result;
+}
+
+class HandleWriter final : public TreeWriter {
+public:
+    HandleWriter(int number, std::size_t sectorSize) : number_(number), sectorSize_(sectorSize) {}
+
+    HResult write(Element& root) override
+    {
+        const HResult result = Inspection().inspect(root);
+        if (result < 0)
+            return result;
+        const QuietSizeLimit quiet;
+        if (ftruncate(number_, 0) != 0)
+            return resultOfErrno(errno);
+        return writeTree(number_, root, sectorSize_);
+    }
+
+private:
+    int number_;
+    std::size_t sectorSize_;
+};
+
 class FileWriter final : public TreeWriter {
 public:
     FileWriter(std::string path, std::size_t sectorSize) : path_(std::move(path)), sectorSize_(sectorSize)
@@ -191,12 +220,7 @@ public:
 private:
     HResult writeInto(NewFile& file, Element& root) const
     {
-        BufferedSink sink(file.number());
-        const HResult result = GsfTreeWriter(sink).write(root, sectorSize_);
-        // What the system said of the file tells more than what libgsf made of it.
-        const HResult finished = sink.finish();
-        if (finished < 0)
-            return finished;
+        const HResult result = writeTree(file.number(), root, sectorSize_);
         return result < 0 ? result : file.replaceTarget();
     }
 
@@ -209,6 +233,11 @@ private:
 std::unique_ptr<TreeWriter> makeFileWriter(std::string path, std::size_t sectorSize)
 {
     return std::make_unique<FileWriter>(std::move(path), sectorSize);
+}
+
+std::unique_ptr<TreeWriter> makeHandleWriter(int number, std::size_t sectorSize)
+{
+    return std::make_unique<HandleWriter>(number, sectorSize);
 }
 
 }  // namespace platform::compound

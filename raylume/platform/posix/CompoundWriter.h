@@ -16,4 +16,7 @@ namespace platform::compound {
 /// the process ends, the path leads to the old or to the new file, and both are whole.
 std::unique_ptr<TreeWriter> makeFileWriter(std::string path, std::size_t sectorSize);
 
+/// Writes trees into an open file, in the place of all that it holds. The file stays the caller's.
+std::unique_ptr<TreeWriter> makeHandleWriter(int number, std::size_t sectorSize);
+
 }  // namespace platform::compound

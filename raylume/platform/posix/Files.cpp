@@ -95,15 +95,17 @@ std::unique_ptr<MappedFile> MappedFile::open(const std::wstring& path)
 {
     struct stat status;
     const FileHandle file = openRegular(nativePath(path), status);
-    if (!file.isOpen()) {
-        return nullptr;
-    }
+    return file.isOpen() ? ofHandle(file.number(), static_cast<std::uint64_t>(status.st_size)) : nullptr;
+}
+
+std::unique_ptr<MappedFile> MappedFile::ofHandle(int number, std::uint64_t length)
+{
     static constexpr unsigned char kNoBytes[1] = {};
-    const auto size = static_cast<std::size_t>(status.st_size);
+    const auto size = static_cast<std::size_t>(length);
     if (size == 0) {
         return std::unique_ptr<MappedFile>(new MappedFile(kNoBytes, 0));
     }
-    void* const data = mmap(nullptr, size, PROT_READ, MAP_PRIVATE, file.number(), 0);
+    void* const data = mmap(nullptr, size, PROT_READ, MAP_PRIVATE, number, 0);
     if (data == MAP_FAILED) {
         return nullptr;
     }

@@ -8,7 +8,7 @@
 
 #include "raylume/platform/Files.h"
 #include "reader/formats/gltf/Budget.h"
-#include "reader/formats/gltf/DocumentPath.h"
+#include "reader/DocumentPath.h"
 #include "reader/formats/gltf/GlbContainer.h"
 #include "reader/formats/gltf/Records.h"
 

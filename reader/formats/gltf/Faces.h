@@ -3,7 +3,8 @@
 
 #include "raylume/load/ReaderInterface.h"
 #include "reader/formats/gltf/Arrays.h"
-#include "reader/formats/gltf/Strips.h"
+#include "reader/formats/gltf/Triangles.h"
+#include "reader/formats/strips/Strips.h"
 
 namespace ovdl::gltf {
 

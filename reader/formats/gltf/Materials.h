@@ -6,7 +6,7 @@
 #include <string>
 
 #include "raylume/load/ReaderInterface.h"
-#include "reader/formats/gltf/DocumentPath.h"
+#include "reader/DocumentPath.h"
 #include "reader/formats/gltf/Records.h"
 
 namespace ovdl::gltf {

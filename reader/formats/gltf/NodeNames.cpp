@@ -15,13 +15,6 @@ bool cuts(char character)
 
 }  // namespace
 
-std::wstring cleanName(std::wstring name)
-{
-    std::replace_if(
-        name.begin(), name.end(), [](wchar_t c) { return c == L'/' || c == L'@'; }, L'_');
-    return name;
-}
-
 NodeNames::NodeNames(Records& records)
 {
     for (MeshRecord& mesh : records.meshes)

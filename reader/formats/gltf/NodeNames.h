@@ -6,13 +6,10 @@
 #include <string>
 #include <vector>
 
+#include "reader/ComponentNames.h"
 #include "reader/formats/gltf/Records.h"
 
 namespace ovdl::gltf {
-
-/// A foreign name without the characters that a component path is cut at: each "/" and "@" becomes
-/// "_".
-std::wstring cleanName(std::wstring name);
 
 /// Gives every node the name under which it goes, cleaned: its own, else its mesh's, else
 /// "node<index>". Owns the texts that had to be made.

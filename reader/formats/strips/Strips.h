@@ -1,10 +1,10 @@
 // From triangle lists to triangle strips.
 #pragma once
 
-#include "reader/formats/gltf/StripGrowing.h"
-#include "reader/formats/gltf/Triangles.h"
+#include "reader/formats/strips/StripGrowing.h"
+#include "reader/formats/strips/TriangleList.h"
 
-namespace ovdl::gltf {
+namespace ovdl {
 
 /// The ids of one strip after another, and the number of ids of each strip.
 struct StripIds {
@@ -45,4 +45,4 @@ private:
     StripGrower grower_;
 };
 
-}  // namespace ovdl::gltf
+}  // namespace ovdl

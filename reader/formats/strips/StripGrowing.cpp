@@ -1,11 +1,11 @@
 // In a strip v0 v1 v2 v3 ... the triangles are v0 v1 v2, v2 v1 v3, v2 v3 v4 and so on: even ones in the
 // order of their vertices, odd ones with the first two swapped. So an even triangle is left over its edge
 // v2 -> v1, as its neighbour has it, and an odd one over v2 -> v3.
-#include "reader/formats/gltf/StripGrowing.h"
+#include "reader/formats/strips/StripGrowing.h"
 
 #include <algorithm>
 
-namespace ovdl::gltf {
+namespace ovdl {
 namespace {
 
 constexpr std::uint32_t kTaken = ~0u;
@@ -138,4 +138,4 @@ void StripGrower::grow(const std::uint32_t* list, std::size_t triangleCount, std
     }
 }
 
-}  // namespace ovdl::gltf
+}  // namespace ovdl

@@ -3,14 +3,14 @@
 // gives a strip for each row, the other falls apart, and swapping the triangles of each pair turns the
 // one into the other for next to nothing. Where neither helps, strips are grown, which takes some four
 // times as long. A sample from the middle of the list decides.
-#include "reader/formats/gltf/Strips.h"
+#include "reader/formats/strips/Strips.h"
 
 #include <meshoptimizer.h>
 
 #include <algorithm>
 #include <cstring>
 
-namespace ovdl::gltf {
+namespace ovdl {
 namespace {
 
 constexpr std::size_t kSampleTriangles = 512;
@@ -169,4 +169,4 @@ StripIds Stripifier::make(const TriangleList& triangles)
     return byGrowing(triangles);
 }
 
-}  // namespace ovdl::gltf
+}  // namespace ovdl

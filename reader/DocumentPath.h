@@ -3,7 +3,7 @@
 
 #include <string>
 
-namespace ovdl::gltf {
+namespace ovdl {
 
 struct DocumentPath {
     explicit DocumentPath(const std::wstring& path);
@@ -13,4 +13,4 @@ struct DocumentPath {
     std::wstring stem;    ///< The file's name without folder and last ending.
 };
 
-}  // namespace ovdl::gltf
+}  // namespace ovdl

@@ -1,6 +1,6 @@
-#include "reader/formats/gltf/DocumentPath.h"
+#include "reader/DocumentPath.h"
 
-namespace ovdl::gltf {
+namespace ovdl {
 
 DocumentPath::DocumentPath(const std::wstring& whole) : path(whole)
 {
@@ -13,4 +13,4 @@ DocumentPath::DocumentPath(const std::wstring& whole) : path(whole)
         stem.resize(dot);
 }
 
-}  // namespace ovdl::gltf
+}  // namespace ovdl

@@ -1,9 +1,9 @@
 // Strips by growing: slower than the library's, better where its few triangles of foresight fail.
 #pragma once
 
-#include "reader/formats/gltf/Triangles.h"
+#include "reader/formats/strips/TriangleList.h"
 
-namespace ovdl::gltf {
+namespace ovdl {
 
 /// Grows strips one at a time: from the first triangle that is left, over its three edges in turn,
 /// forwards and backwards as far as triangles are left, and keeps the best. Strips zigzag and
@@ -44,4 +44,4 @@ private:
     std::size_t stripsWritten_ = 0;
 };
 
-}  // namespace ovdl::gltf
+}  // namespace ovdl
