@@ -13,4 +13,20 @@ namespace platform {
 /// left alone, and the bytes stay as they are. The block stays the allocator's.
 PLATFORM_API void prepareForFilling(void* block, std::size_t size);
 
+/// Makes the allocator's own memory ready for small blocks that come to about `size` bytes in all and are
+/// about to be made, as prepareForFilling() does for a large one. What they leave over goes back to the
+/// system with this object, or stays with the allocator.
+///
+/// A hint: less than a few megabytes, and allocators of other kinds than the system's own, are left alone.
+class PLATFORM_API PreparedHeap {
+public:
+    explicit PreparedHeap(std::size_t size);
+    PreparedHeap(const PreparedHeap&) = delete;
+    PreparedHeap& operator=(const PreparedHeap&) = delete;
+    ~PreparedHeap();
+
+private:
+    void* pin_ = nullptr;
+};
+
 }  // namespace platform

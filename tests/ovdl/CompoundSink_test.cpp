@@ -181,4 +181,23 @@ TEST_F(CompoundSink, RefusesAStorageThatIsOpenedForReading)
     }
 }
 
+TEST_F(CompoundSink, RefusesMoreElementsThanAStorageHolds)
+{
+    const Storage root = openFile(path, true);
+    const Storage full = createIn(*root.get(), L"Full");
+    for (int i = 0; i < 32768; ++i) {
+        Stream stream;
+        ASSERT_RESULT(0, full->CreateStream(std::to_wstring(i).c_str(), kWriting, stream.out()));
+    }
+    const ManyParts document(1);
+    try {
+        ovdl::encodeDocument(document.contents, *ovdl::makeCompoundSink(*full.get()));
+        FAIL() << "nothing was refused";
+    } catch (const ovdl::Refusal& refusal) {
+        EXPECT_STREQ(refusal.what(), "the document has more parts than fit into a compound file");
+    }
+    // Nothing of it has to be saved when the last view goes.
+    ASSERT_RESULT(0, root->DestroyElement(L"Full"));
+}
+
 }  // namespace

@@ -142,10 +142,7 @@ private:
 
     void take(const moLight_c& light)
     {
-        const auto type = light.getLightType();
-        require(type == LIGHT_AIMED || type == LIGHT_POSITIONED || type == LIGHT_DIRECTIONAL ||
-                    type == LIGHT_SUN,
-                "light type");
+        sum_ += static_cast<double>(light.getLightType());
         sum_ += light.sourceVectorC[2];
     }
 

@@ -8,6 +8,7 @@
 #include "DocumentComparison.h"
 #include "RandomDocuments.h"
 #include "raylume/platform/Text.h"
+#include "reader/DocumentHeader.h"
 #include "reader/HostHandlers.h"
 #include "tests/platform/CompoundFileTools.h"
 #include "tests/platform/TemporaryFolder.h"
@@ -294,6 +295,24 @@ TEST_F(WrittenDocument, ConvertsBackAndForthWithoutADifference)
     HostsRead read(place("c.ovdl"));
     const auto expected = ovdl_tests::contentsOf(*document);
     EXPECT_THAT(differences(expected, contentsOf(read, expected)), IsEmpty());
+}
+
+// Prepared documents have none, so the header is changed in the file.
+TEST_F(WrittenDocument, KeepsTheDisplayListVersion)
+{
+    write(place("a.ovdl"), *twoConfigurations());
+    {
+        const Storage root = openFile(folder / "a.ovdl", true);
+        ASSERT_RESULT(0, ovdl::writeHeader(*root.get(), {1, 13000, 77}));
+        ASSERT_RESULT(0, root->Commit(0));
+    }
+    convert(place("a.ovdl"), place("b.json"));
+    convert(place("b.json"), place("c.ovdl"));
+    const auto header = ovdl::readHeader(*openFile(folder / "c.ovdl").get());
+    ASSERT_TRUE(header.has_value());
+    EXPECT_EQ(header->formatVersion, 1u);
+    EXPECT_EQ(header->documentVersion, 13000u);
+    EXPECT_EQ(header->displayListVersion, 77u);
 }
 
 TEST_F(WrittenDocument, IsNotConvertedWithAConfigurationThatItLacks)

@@ -92,15 +92,16 @@ const RefusalCase kRefusals[] = {
      "tessellation 0, face 0, normals: the strips need 3 vertices, and there are 0"},
     {"texture_coordinates_are_told_and_missing", [](SmallDocument& d) { d.face.hasUVs = 1; },
      "tessellation 0, face 0, uvs: the strips need 3 vertices, and there are 0"},
-    {"points_are_no_multiple_of_three", [](SmallDocument& d) { d.face.points.count = 8; },
-     "tessellation 0, face 0, points: 8 numbers are not 3 for each vertex"},
-    {"normals_are_no_multiple_of_three", [](SmallDocument& d) { d.face.normals.count = 7; },
-     "tessellation 0, face 0, normals: 7 numbers are not 3 for each vertex"},
-    {"texture_coordinates_are_odd",
+    {"points_end_within_a_vertex", [](SmallDocument& d) { d.face.points.count = 8; },
+     "tessellation 0, face 0, points: the strips need 3 vertices, and there are 2"},
+    {"normals_end_within_a_vertex", [](SmallDocument& d) { d.face.normals.count = 7; },
+     "tessellation 0, face 0, normals: the strips need 3 vertices, and there are 2"},
+    {"texture_coordinates_end_within_a_vertex",
      [](SmallDocument& d) {
+         d.face.hasUVs = 1;
          d.face.uvs = {d.numbers, 5};
      },
-     "tessellation 0, face 0, uvs: 5 numbers are not 2 for each vertex"},
+     "tessellation 0, face 0, uvs: the strips need 3 vertices, and there are 2"},
     {"points_have_a_negative_count", [](SmallDocument& d) { d.face.points.count = -3; },
      "tessellation 0, face 0, points: a negative count"},
     {"points_have_no_data", [](SmallDocument& d) { d.face.points.data = nullptr; },
@@ -137,11 +138,6 @@ const RefusalCase kRefusals[] = {
      "configuration \"open\", components: elements without data"},
     {"lights_have_no_data", [](SmallDocument& d) { d.lights.data = nullptr; },
      "the assembly document, lightData: elements without data"},
-    {"a_light_has_type_5", [](SmallDocument& d) { d.light.lightType = static_cast<LIGHT_TYPE>(5); },
-     "light 0: there is no type 5"},
-    {"a_light_has_a_negative_type",
-     [](SmallDocument& d) { d.light.lightType = static_cast<LIGHT_TYPE>(-1); },
-     "light 0: there is no type -1"},
 };
 
 class EncoderRefusals : public testing::TestWithParam<RefusalCase> {};

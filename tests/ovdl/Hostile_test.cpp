@@ -220,11 +220,6 @@ const Nonsense kNonsense[] = {
      [](Draft& d) { *d.document.decals[0]->faceMappings = fb::Range(1, 2); }, "faceMappings"},
     {"a_run_that_overflows",
      [](Draft& d) { *d.document.decals[0]->faceMappings = fb::Range(0xFFFFFFFF, 2); }, "faceMappings"},
-    {"light_type_0", [](Draft& d) { d.document.lights[0]->lightType = 0; }, "type 0"},
-    {"light_type_1", [](Draft& d) { d.document.lights[0]->lightType = 1; }, "type 1"},
-    {"light_type_5", [](Draft& d) { d.document.lights[0]->lightType = 5; }, "type 5"},
-    {"light_type_7", [](Draft& d) { d.document.lights[0]->lightType = 7; }, "type 7"},
-    {"light_type_minus_2", [](Draft& d) { d.document.lights[0]->lightType = -2; }, "type -2"},
     {"two_configurations_of_one_name",
      [](Draft& d) {
          d.document.configurations.push_back(

@@ -136,6 +136,19 @@ TEST(JsonFormat, AsksTheHostForItsVersionAndForCancellation)
     EXPECT_EQ(read(kTriangle, cancelling).kind, ovdl::ReadOutcome::kCancelled);
 }
 
+// Long before the end of the text, which is broken.
+TEST(JsonFormat, AsksForCancellationWhileItReadsTheText)
+{
+    std::string text = "{\"ovdl\": 1, \"document\": {\"lights\": [{}";
+    for (int i = 0; i < 100000; ++i)
+        text += ",{}";
+    Context context;
+    EXPECT_EQ(read(text, context).kind, ovdl::ReadOutcome::kRejected);
+    context.isCancelled = true;
+    EXPECT_EQ(read(text, context).kind, ovdl::ReadOutcome::kCancelled);
+    EXPECT_TRUE(context.versions.empty());
+}
+
 // The way of a document through `convert`, there and back.
 TEST(JsonFormat, ObjectsComeBackByteForByte)
 {

@@ -113,11 +113,10 @@ private:
             fill(list.emplace_back());
     }
 
+    // Types without a name are lights like others.
     void fill(LIGHT_TYPE& type)
     {
-        static constexpr LIGHT_TYPE kTypes[] = {LIGHT_AIMED, LIGHT_POSITIONED, LIGHT_DIRECTIONAL,
-                                                LIGHT_SUN};
-        type = kTypes[below(4)];
+        type = static_cast<LIGHT_TYPE>(below(4) == 0 ? bits<std::int32_t>() : below(8));
     }
     void fill(VizPropMode_e& mode) { mode = static_cast<VizPropMode_e>(bits<std::int32_t>()); }
 
@@ -193,9 +192,9 @@ private:
         for (int strip = 0; strip < face.stripCount; ++strip)
             vertices += lengths[static_cast<std::size_t>(strip)];
         face.stripLengths = document_.view(std::move(lengths));
-        face.points = floats(3 * (vertices + below(2)));
-        face.normals = floats(3 * (vertices + below(2)));
-        face.uvs = floats(2 * (face.hasUVs != 0 ? vertices + below(2) : below(3)));
+        face.points = floats(3 * vertices + below(5));
+        face.normals = floats(3 * vertices + below(5));
+        face.uvs = floats(face.hasUVs != 0 ? 2 * vertices + below(4) : below(5));
     }
 
     ovArrayView<float> floats(int count)

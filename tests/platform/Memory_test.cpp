@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <sys/mman.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -115,6 +116,44 @@ INSTANTIATE_TEST_SUITE_P(Rows, HugePageSizes,
 TEST(HugePages, OfNoBlockAreNotAskedFor)
 {
     EXPECT_NO_FATAL_FAILURE(platform::prepareForFilling(nullptr, 64 * kMegabyte));
+}
+
+#if !defined(__SANITIZE_ADDRESS__)
+TEST(PreparedHeap, SparesSmallBlocksTheirFaults)
+{
+    const auto faults = [] {
+        rusage usage{};
+        getrusage(RUSAGE_SELF, &usage);
+        return usage.ru_minflt;
+    };
+    const auto fill = [](std::vector<std::unique_ptr<char[]>>& blocks) {
+        for (std::unique_ptr<char[]>& block : blocks) {
+            block = std::make_unique<char[]>(1000);
+        }
+    };
+    std::vector<std::unique_ptr<char[]>> without(32 * 1024);
+    long before = faults();
+    fill(without);
+    const long many = faults() - before;
+    ASSERT_GT(many, 1000);
+    std::vector<std::unique_ptr<char[]>> with(32 * 1024);
+    const platform::PreparedHeap heap(34 * kMegabyte);
+    before = faults();
+    fill(with);
+    EXPECT_LT(faults() - before, many / 4);
+}
+#endif
+
+TEST(PreparedHeap, OfAnySizeLeavesTheAllocatorSound)
+{
+    for (const std::size_t size : {std::size_t{0}, std::size_t{1}, 5 * kMegabyte, 100 * kMegabyte}) {
+        const platform::PreparedHeap heap(size);
+        std::vector<std::string> texts;
+        for (int i = 0; i < 1000; ++i) {
+            texts.emplace_back(100, static_cast<char>('a' + i % 26));
+        }
+        EXPECT_EQ(texts[27], std::string(100, 'b'));
+    }
 }
 
 }  // namespace

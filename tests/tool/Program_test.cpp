@@ -118,6 +118,27 @@ TEST(Info, OfTheGearboxSample)
     EXPECT_GT(info["loadSeconds"].get<double>(), 0.0);
 }
 
+// A foreign document as one of our own: the model is the same, and so is that of the JSON made of it.
+TEST(Convert, OfTheGearboxSample)
+{
+    const Folder folder;
+    const auto treeOf = [](const std::string& path) { return run({"tree", path}).out; };
+    const Finished packed = run({"convert", sample("gearbox.gltf"), folder / "gearbox.ovdl"});
+    EXPECT_EQ(packed.exitStatus, 0);
+    EXPECT_EQ(packed.out, "");
+    EXPECT_EQ(packed.err, "");
+    const Finished asText = run({"convert", folder / "gearbox.ovdl", folder / "gearbox.json"});
+    EXPECT_EQ(asText.exitStatus, 0) << asText.err;
+    json expected = json::parse(run({"info", sample("gearbox.gltf"), "--json"}).out);
+    for (const char* name : {"gearbox.ovdl", "gearbox.json"}) {
+        json info = json::parse(run({"info", folder / name, "--json"}).out);
+        for (const char* own : {"modelName", "loadSeconds"})
+            info[own] = expected[own];
+        EXPECT_EQ(info, expected) << name;
+        EXPECT_EQ(treeOf(folder / name), treeOf(sample("gearbox.gltf"))) << name;
+    }
+}
+
 TEST(Info, OfTheBracketSample)
 {
     const json info = json::parse(run({"info", sample("bracket.gltf"), "--json"}).out);

@@ -69,9 +69,14 @@ gboolean seekInput(GsfInput*, gsf_off_t, GSeekType)
 
 GsfInput* newInput(const File& file);
 
+// No exception passes through libgsf.
 GsfInput* duplicateInput(GsfInput* object, GError**)
 {
-    return newInput(*asFileInput(object)->file);
+    try {
+        return newInput(*asFileInput(object)->file);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
 }
 
 void initialiseClass(gpointer made, gpointer)
@@ -84,25 +89,21 @@ void initialiseClass(gpointer made, gpointer)
     type->base.Seek = seekInput;
 }
 
-void initialiseInput(GTypeInstance* instance, gpointer)
-{
-    FileInput* input = asFileInput(instance);
-    input->file = new File;
-    input->buffer = new std::vector<guint8>;
-}
-
 GType inputType()
 {
     static const GType type =
         g_type_register_static_simple(GSF_INPUT_TYPE, "RaylumeCompoundInput", sizeof(FileInputClass),
-                                      initialiseClass, sizeof(FileInput), initialiseInput, GTypeFlags(0));
+                                      initialiseClass, sizeof(FileInput), nullptr, GTypeFlags(0));
     return type;
 }
 
 GsfInput* newInput(const File& file)
 {
+    auto held = std::make_unique<File>(file);
+    auto buffer = std::make_unique<std::vector<guint8>>();
     auto* input = static_cast<FileInput*>(g_object_new(inputType(), nullptr));
-    *input->file = file;
+    input->file = held.release();
+    input->buffer = buffer.release();
     gsf_input_set_size(&input->base, static_cast<gsf_off_t>(file->size()));
     return &input->base;
 }

@@ -17,10 +17,23 @@ void EditedBytes::read(std::uint64_t offset, void* buffer, std::size_t count) co
     while (count > 0) {
         const auto within = static_cast<std::size_t>(offset % kPiece);
         const std::size_t part = std::min(count, kPiece - within);
-        std::memcpy(to, pieces_[static_cast<std::size_t>(offset / kPiece)].get() + within, part);
+        std::memcpy(to, pieces_[static_cast<std::size_t>(offset / kPiece)].data() + within, part);
         to += part;
         offset += part;
         count -= part;
+    }
+}
+
+// A failure on the way leaves a last piece that is not full, perhaps an empty one, to go on with.
+void EditedBytes::grow(std::uint64_t size)
+{
+    while (capacity_ < size) {
+        if (pieces_.size() * std::uint64_t{kPiece} == capacity_)
+            pieces_.emplace_back();
+        std::vector<std::byte>& last = pieces_.back();
+        const std::uint64_t before = capacity_ - last.size();
+        last.resize(static_cast<std::size_t>(std::min<std::uint64_t>(kPiece, size - before)));
+        capacity_ = before + last.size();
     }
 }
 
@@ -28,12 +41,11 @@ void EditedBytes::write(std::uint64_t offset, const void* buffer, std::size_t co
 {
     const auto* from = static_cast<const std::byte*>(buffer);
     // All that can fail comes first: either all is written or nothing.
-    while (pieces_.size() * std::uint64_t{kPiece} < offset + count)
-        pieces_.push_back(std::make_unique<std::byte[]>(kPiece));
+    grow(offset + count);
     while (count > 0) {
         const auto within = static_cast<std::size_t>(offset % kPiece);
         const std::size_t part = std::min(count, kPiece - within);
-        std::memcpy(pieces_[static_cast<std::size_t>(offset / kPiece)].get() + within, from, part);
+        std::memcpy(pieces_[static_cast<std::size_t>(offset / kPiece)].data() + within, from, part);
         from += part;
         offset += part;
         count -= part;

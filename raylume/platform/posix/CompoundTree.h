@@ -51,7 +51,8 @@ public:
     virtual std::shared_ptr<const unsigned char> inPlace() const { return nullptr; }
 };
 
-/// The bytes of a stream that was written to, in pieces, so that growing moves nothing.
+/// The bytes of a stream that was written to, in pieces, so that growing moves little. Small streams take
+/// little: a document may have very many of them.
 class EditedBytes {
 public:
     std::uint64_t size() const { return size_; }
@@ -62,7 +63,11 @@ public:
 private:
     static constexpr std::size_t kPiece = 65536;
 
-    std::vector<std::unique_ptr<std::byte[]>> pieces_;
+    void grow(std::uint64_t size);
+
+    /// All but the last one are full.
+    std::vector<std::vector<std::byte>> pieces_;
+    std::uint64_t capacity_ = 0;
     std::uint64_t size_ = 0;
 };
 

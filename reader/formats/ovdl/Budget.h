@@ -36,7 +36,7 @@ private:
 /// made.
 class Budget {
 public:
-    static constexpr std::uint64_t kFloor = std::uint64_t{64} << 20;
+    static constexpr std::uint64_t kFloor = std::uint64_t{256} << 20;
     /// Faces without geometry come to some 10 bytes for a byte, components of an assembly to some 30.
     static constexpr std::uint64_t kTimes = 64;
 

@@ -1,4 +1,6 @@
 // Components, configurations, and the part or assembly on top of all.
+#include <algorithm>
+
 #include "reader/formats/ovdl/Decoding.h"
 #include "reader/formats/ovdl/FixedArrays.h"
 
@@ -17,6 +19,26 @@ void fillComponent(const fb::Component& from, uoTempAssemblySHDData_c& to, Decod
     to.configIndex = from.configIndex();
     if (from.decals())
         to.decals = decalList(values(from.decals()), decoding);
+}
+
+// What the names of all components come to as wide text, by some of them. They are what an assembly has
+// most of, and fresh memory costs more than decoding them into it.
+std::size_t estimatedNames(const Decoding& decoding)
+{
+    constexpr flatbuffers::uoffset_t kSamples = 64;
+    constexpr std::uint64_t kBlock = 32;
+    const auto* components = decoding.document.components();
+    const flatbuffers::uoffset_t count = components ? components->size() : 0;
+    if (count < kSamples)
+        return 0;
+    std::uint64_t bytes = 0;
+    for (flatbuffers::uoffset_t i = 0; i < kSamples; ++i) {
+        const fb::Component& sample = *components->Get(i * (count / kSamples));
+        bytes += decoding.textBytes(sample.name()).size() * sizeof(wchar_t) + kBlock;
+        bytes += decoding.textBytes(sample.configName()).size() * sizeof(wchar_t) + kBlock;
+    }
+    return static_cast<std::size_t>(
+        std::min(bytes / kSamples * count, decoding.budget.limit() - decoding.budget.used()));
 }
 
 void decodeConfigurations(Decoding& decoding)
@@ -89,7 +111,9 @@ void decodeDocuments(Decoding& decoding)
 {
     const fb::Document& document = decoding.document;
     DecodedObjects& objects = decoding.objects;
-    decodeRecords(document.components(), objects.components, decoding, fillComponent);
+    makeObjects(document.components(), objects.components, decoding);
+    const platform::PreparedHeap heap(estimatedNames(decoding));
+    fillObjects(document.components(), objects.components, decoding, fillComponent);
     decodeConfigurations(decoding);
     if (!document.part() && !document.assembly())
         refuse("the document is neither a part nor an assembly");

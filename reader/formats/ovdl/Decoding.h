@@ -13,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "raylume/platform/Memory.h"
 #include "reader/DocumentFormat.h"
 #include "reader/formats/ovdl/Budget.h"
 #include "reader/formats/ovdl/DecodedObjects.h"
@@ -102,18 +103,34 @@ T* refer(std::vector<T>& records, std::int32_t number, const char* what)
     return &records[static_cast<std::size_t>(number)];
 }
 
-/// One object for each record of a root vector.
+/// One object for each record of a root vector, as its constructor leaves it.
+template <class Record, class Object>
+void makeObjects(const flatbuffers::Vector<flatbuffers::Offset<Record>>* records,
+                 std::vector<Object>& objects, Decoding& decoding)
+{
+    const std::size_t count = records ? records->size() : 0;
+    decoding.budget.charge(count, sizeof(Object));
+    objects.reserve(count);
+    platform::prepareForFilling(objects.data(), count * sizeof(Object));
+    objects.resize(count);
+}
+
+template <class Record, class Object, class Fill>
+void fillObjects(const flatbuffers::Vector<flatbuffers::Offset<Record>>* records,
+                 std::vector<Object>& objects, Decoding& decoding, Fill fill)
+{
+    for (std::size_t i = 0; i < objects.size(); ++i) {
+        decoding.steps.tick();
+        fill(*records->Get(static_cast<flatbuffers::uoffset_t>(i)), objects[i], decoding);
+    }
+}
+
 template <class Record, class Object, class Fill>
 void decodeRecords(const flatbuffers::Vector<flatbuffers::Offset<Record>>* records,
                    std::vector<Object>& objects, Decoding& decoding, Fill fill)
 {
-    const std::size_t count = records ? records->size() : 0;
-    decoding.budget.charge(count, sizeof(Object));
-    objects = std::vector<Object>(count);
-    for (std::size_t i = 0; i < count; ++i) {
-        decoding.steps.tick();
-        fill(*records->Get(static_cast<flatbuffers::uoffset_t>(i)), objects[i], decoding);
-    }
+    makeObjects(records, objects, decoding);
+    fillObjects(records, objects, decoding, fill);
 }
 
 /// What an element of a list or a map takes besides its value.

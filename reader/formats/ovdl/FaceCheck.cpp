@@ -9,14 +9,6 @@
 namespace ovdl {
 namespace {
 
-void checkVertexArray(const ovArrayView<float>& array, long long width, const std::string& what)
-{
-    checkArray(array, what);
-    if (array.count % width != 0)
-        refuse(what + ": " + std::to_string(array.count) + " numbers are not " + std::to_string(width) +
-               " for each vertex");
-}
-
 void checkHolds(const ovArrayView<float>& array, long long width, long long vertices,
                 const std::string& what)
 {
@@ -44,9 +36,9 @@ long long verticesOf(const uoTempFaceTessData_c& face, const std::string& where)
 void checkFace(const uoTempFaceTessData_c& face, const std::string& where)
 {
     checkArray(face.stripLengths, where + ", stripLengths");
-    checkVertexArray(face.points, 3, where + ", points");
-    checkVertexArray(face.normals, 3, where + ", normals");
-    checkVertexArray(face.uvs, 2, where + ", uvs");
+    checkArray(face.points, where + ", points");
+    checkArray(face.normals, where + ", normals");
+    checkArray(face.uvs, where + ", uvs");
     if (face.stripCount < 0)
         refuse(where + ": a negative number of strips");
     if (face.stripLengths.count < face.stripCount)

@@ -146,17 +146,7 @@ void Inventory::addDecal(const uoDecalProperties* decal)
 
 void Inventory::addLight(const moLight_c* light)
 {
-    if (!lights.add(light))
-        return;
-    switch (light->lightType) {
-    case LIGHT_AIMED:
-    case LIGHT_POSITIONED:
-    case LIGHT_DIRECTIONAL:
-    case LIGHT_SUN:
-        return;
-    }
-    refuse("light " + std::to_string(lights.of(light)) + ": there is no type " +
-           std::to_string(static_cast<std::int32_t>(light->lightType)));
+    lights.add(light);
 }
 
 void Inventory::addScene(const ovScene_c* scene)

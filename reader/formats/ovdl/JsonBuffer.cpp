@@ -14,6 +14,15 @@ namespace {
 
 constexpr std::size_t kLargestStruct = 128;
 
+// Of structs or numbers in one vector. An empty record is two characters and a comma, whatever it is long
+// in memory; those that say something are no shorter as text.
+std::uint64_t mostBytes(const Tokens& tokens)
+{
+    constexpr std::uint64_t kFloor = 1 << 20;
+    constexpr std::uint64_t kTimes = 12;
+    return std::min(kFloor + kTimes * tokens.size(), kLargestBuffer);
+}
+
 std::string takes(std::string_view name, const char* what)
 {
     return quoted(name) + " takes " + what;
@@ -251,8 +260,8 @@ void BufferReading::readInto(const Field& vector, std::vector<std::uint8_t>& byt
             readStruct(*vector.object, element);
         else
             readScalar(vector, vector.element, element);
-        if (bytes.size() + stride >= kLargestBuffer)
-            tokens_.fail("the document is too large");
+        if (bytes.size() + stride > mostBytes(tokens_))
+            tokens_.fail("a text of this size has no room for so many records");
         bytes.insert(bytes.end(), element, element + stride);
     });
 }

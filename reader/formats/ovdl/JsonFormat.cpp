@@ -12,13 +12,18 @@ std::string_view textOf(const platform::MappedFile& file)
     return {reinterpret_cast<const char*>(file.data()), file.size()};
 }
 
+struct Cancelled {};
+
 // The buffers are made of the text at once, so the file is needed no longer than that.
-std::unique_ptr<DocumentStreams> openStreams(const std::wstring& path)
+std::unique_ptr<DocumentStreams> openStreams(const std::wstring& path, ReadContext& context)
 {
     const auto file = platform::MappedFile::open(path);
     if (!file)
         refuse("the file cannot be opened");
-    return readJsonStreams(textOf(*file));
+    return readJsonStreams(textOf(*file), [&context] {
+        if (context.cancelled())
+            throw Cancelled();
+    });
 }
 
 class JsonFormat : public DocumentFormat {
@@ -33,14 +38,16 @@ public:
 
     ReadOutcome read(const std::wstring& path, ReadContext& context) override
     {
+        ReadOutcome outcome;
         try {
-            return decodeDocument(openStreams(path), context);
+            outcome = decodeDocument(openStreams(path, context), context);
         } catch (const Refusal& refusal) {
-            ReadOutcome outcome;
             outcome.kind = ReadOutcome::kRejected;
             outcome.reason = refusal.what();
-            return outcome;
+        } catch (const Cancelled&) {
+            outcome.kind = ReadOutcome::kCancelled;
         }
+        return outcome;
     }
 };
 

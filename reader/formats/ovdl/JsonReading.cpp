@@ -21,6 +21,8 @@ struct Pieces {
 // What a text holds, as buffers.
 class Streams : public DocumentStreams {
 public:
+    explicit Streams(std::uint64_t textSize) : size_(textSize) {}
+
     DocumentHeader header() override { return header_; }
     Bytes document() override { return document_; }
     Bytes tessellation(std::uint32_t number, std::uint32_t piece, std::uint32_t pieces) override
@@ -29,19 +31,25 @@ public:
             refuse("a tessellation is missing");
         return pieces_[tessellations_[number].first + piece];
     }
+    /// Of the text, not of the buffers, which may be larger: it is the text that somebody sent.
     std::uint64_t size() const override { return size_; }
 
     DocumentHeader header_;
     Buffer document_;
     std::vector<Buffer> pieces_;
     std::vector<Pieces> tessellations_;
-    std::uint64_t size_ = 0;
+
+private:
+    std::uint64_t size_;
 };
 
 // Reads the object that holds all the others.
 class TextReading {
 public:
-    TextReading(std::string_view text, Streams& streams) : tokens_(text), streams_(streams) {}
+    TextReading(std::string_view text, const std::function<void()>& ask, Streams& streams)
+        : tokens_(text, ask), streams_(streams)
+    {
+    }
 
     void read()
     {
@@ -135,7 +143,7 @@ private:
     {
         BufferReading reading(tokens_, roots().tessellation, texts_);
         reading.read();
-        keep(streams_.pieces_.emplace_back(reading.finish(kTessellationIdentifier)));
+        streams_.pieces_.push_back(reading.finish(kTessellationIdentifier));
     }
 
     void finish()
@@ -148,9 +156,8 @@ private:
             entries.emplace_back(pieces.count);
         if (hasTessellations_)
             document_->addStructs("tessellations", entries.data(), entries.size());
-        keep(streams_.document_ = document_->finish(kDocumentIdentifier));
+        streams_.document_ = document_->finish(kDocumentIdentifier);
     }
-    void keep(const Buffer& buffer) { streams_.size_ += buffer.size(); }
 
     Tokens tokens_;
     Streams& streams_;
@@ -180,10 +187,10 @@ bool startsLikeOurJson(std::string_view start)
     return start.substr(0, 6) == "\"ovdl\"";
 }
 
-std::unique_ptr<DocumentStreams> readJsonStreams(std::string_view text)
+std::unique_ptr<DocumentStreams> readJsonStreams(std::string_view text, const std::function<void()>& ask)
 {
-    auto streams = std::make_unique<json::Streams>();
-    json::TextReading(text, *streams).read();
+    auto streams = std::make_unique<json::Streams>(text.size());
+    json::TextReading(text, ask, *streams).read();
     return streams;
 }
 

@@ -23,7 +23,9 @@ std::unique_ptr<JsonSink> makeJsonSink(TextOutput output);
 /// True for the start of a JSON text whose first key is "ovdl".
 bool startsLikeOurJson(std::string_view start);
 
-/// Reads JSON into buffers in memory. Raises Refusal, with the line where the text is wrong.
-std::unique_ptr<DocumentStreams> readJsonStreams(std::string_view text);
+/// Reads JSON into buffers in memory. Raises Refusal, with the line where the text is wrong. `ask` is
+/// called now and then; what it raises ends the work.
+std::unique_ptr<DocumentStreams> readJsonStreams(std::string_view text,
+                                                 const std::function<void()>& ask = {});
 
 }  // namespace ovdl

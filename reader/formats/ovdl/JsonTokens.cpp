@@ -1,6 +1,8 @@
 #include "reader/formats/ovdl/JsonTokens.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <utility>
 
 #include "reader/formats/ovdl/Refusal.h"
 
@@ -92,8 +94,13 @@ std::string quoted(std::string_view text)
     return result;
 }
 
-Tokens::Tokens(std::string_view text)
-    : begin_(text.data()), at_(begin_), end_(begin_ + text.size()), token_(begin_)
+Tokens::Tokens(std::string_view text, std::function<void()> ask)
+    : begin_(text.data()),
+      at_(begin_),
+      end_(begin_ + text.size()),
+      token_(begin_),
+      asked_(begin_),
+      ask_(std::move(ask))
 {
     if (text.substr(0, 3) == "\xEF\xBB\xBF")
         at_ += 3;
@@ -117,9 +124,15 @@ void Tokens::failHere(const std::string& reason)
 
 void Tokens::skipBlanks()
 {
+    constexpr std::ptrdiff_t kAskEvery = 1 << 16;
     while (at_ != end_ && isBlank(*at_))
         ++at_;
     token_ = at_;
+    if (at_ - asked_ < kAskEvery)
+        return;
+    asked_ = at_;
+    if (ask_)
+        ask_();
 }
 
 char Tokens::peek()

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -14,7 +15,8 @@ namespace ovdl::json {
 /// Walks over a text, which is borrowed. Every failure is a Refusal that tells line and column.
 class Tokens {
 public:
-    explicit Tokens(std::string_view text);
+    /// `ask` is called between tokens, once for every 64 KB or so.
+    explicit Tokens(std::string_view text, std::function<void()> ask = {});
 
     /// The next character behind blanks, which stays the next one; 0 at the end.
     char peek();
@@ -37,7 +39,8 @@ public:
 
     /// Refuses what was read last.
     [[noreturn]] void fail(const std::string& reason) const;
-    std::size_t offset() const { return static_cast<std::size_t>(at_ - begin_); }
+    /// Of the whole text.
+    std::size_t size() const { return static_cast<std::size_t>(end_ - begin_); }
 
 private:
     [[noreturn]] void failHere(const std::string& reason);
@@ -51,6 +54,8 @@ private:
     const char* at_;
     const char* end_;
     const char* token_;
+    const char* asked_;
+    std::function<void()> ask_;
 };
 
 /// Appends the bytes of a value below 110000, surrogate or not.

@@ -4,6 +4,7 @@
 // node of the tree for each token of a component's path.
 #include <algorithm>
 #include <memory>
+#include <string_view>
 #include <unordered_map>
 
 #include "reader/formats/ovdl/Decoding.h"
@@ -203,13 +204,24 @@ private:
     std::uint64_t model_ = 0;
 };
 
-// The nodes of the tree that a path needs and the one before did not. Neighbours mostly share theirs.
-Cost costOfNodes(const std::wstring& path, const std::wstring& before)
+// The tokens above the last, with the separator behind them.
+std::string_view parentsOf(std::string_view path)
 {
-    const auto shared = static_cast<std::size_t>(
-        std::mismatch(path.begin(), path.end(), before.begin(), before.end()).first - path.begin());
+    return path.substr(0, path.rfind('/') + 1);  // npos + 1 is 0
+}
+
+// The nodes of the tree that a path needs and the one before did not. Neighbours mostly hang under one
+// node, so that is looked at first.
+Cost costOfNodes(std::string_view parents, std::string_view before)
+{
     Cost cost;
-    for (std::size_t at = path.find(L'/', shared); at != std::wstring::npos; at = path.find(L'/', at + 1)) {
+    if (parents == before)
+        return cost;
+    const auto shared = static_cast<std::size_t>(
+        std::mismatch(parents.begin(), parents.end(), before.begin(), before.end()).first -
+        parents.begin());
+    for (std::size_t at = parents.find('/', shared); at != std::string_view::npos;
+         at = parents.find('/', at + 1)) {
         cost.add(kTreeNode);
         cost.add(at, 2);
     }
@@ -223,9 +235,12 @@ public:
     {
         const auto& components = decoding.objects.components;
         components_.reserve(components.size());
-        for (const uoTempAssemblySHDData_c& component : components) {
+        for (std::size_t i = 0; i < components.size(); ++i) {
             decoding.steps.tick();
-            components_.push_back(costOfInstance(component).bytes());
+            const auto& record =
+                *decoding.document.components()->Get(static_cast<flatbuffers::uoffset_t>(i));
+            components_.push_back(
+                {costOfInstance(components[i]).bytes(), parentsOf(decoding.textBytes(record.name()))});
         }
     }
 
@@ -240,25 +255,31 @@ public:
 
     void check(const std::vector<uoTempAssemblySHDData_c*>& components)
     {
-        static const std::wstring kNoPath;
         parts_.beginModel();
         Cost cost;
-        const std::wstring* before = &kNoPath;
+        std::string_view before;
         for (const uoTempAssemblySHDData_c* component : components) {
             decoding_.steps.tick();
             if (!component)
                 continue;
-            cost.add(costOf(*component));
+            const Component& known = knownOf(*component);
+            cost.add(known.cost);
             check(cost);
-            cost.add(costOfNodes(component->name, *before).bytes());
+            cost.add(costOfNodes(known.parents, before).bytes());
+            before = known.parents;
             if (component->tessData)
                 cost.add(parts_.add(component->tessData, component->configIndex).bytes());
-            before = &component->name;
             check(cost);
         }
     }
 
 private:
+    // The path as it lies in the document: as wide text it is four times as long.
+    struct Component {
+        std::uint64_t cost;
+        std::string_view parents;
+    };
+
     static Cost costOfInstance(const uoTempAssemblySHDData_c& component)
     {
         Cost cost(kInstance);
@@ -268,7 +289,7 @@ private:
         return cost;
     }
 
-    std::uint64_t costOf(const uoTempAssemblySHDData_c& component) const
+    const Component& knownOf(const uoTempAssemblySHDData_c& component) const
     {
         return components_[static_cast<std::size_t>(&component - decoding_.objects.components.data())];
     }
@@ -282,7 +303,7 @@ private:
     Decoding& decoding_;
     std::uint64_t limit_;
     PartCosts parts_;
-    std::vector<std::uint64_t> components_;
+    std::vector<Component> components_;
 };
 
 }  // namespace

@@ -5,19 +5,6 @@
 namespace ovdl::decoding {
 namespace {
 
-LIGHT_TYPE lightType(std::int32_t type)
-{
-    switch (type) {
-    case LIGHT_AIMED:
-    case LIGHT_POSITIONED:
-    case LIGHT_DIRECTIONAL:
-    case LIGHT_SUN:
-        return static_cast<LIGHT_TYPE>(type);
-    default:
-        refuse("there are no lights of type " + std::to_string(type));
-    }
-}
-
 void fillFlags(const fb::Light& from, moLight_c& to)
 {
     to.sourceEnabled = from.sourceEnabled();
@@ -57,7 +44,8 @@ void fillPlace(const fb::Light& from, moLight_c& to)
 
 void fillLight(const fb::Light& from, moLight_c& to, Decoding&)
 {
-    to.lightType = lightType(from.lightType());
+    // Types without a name of their own are lights too.
+    to.lightType = static_cast<LIGHT_TYPE>(from.lightType());
     fillFlags(from, to);
     fillValues(from, to);
     fillPlace(from, to);
