@@ -16,12 +16,12 @@ struct WorkerLimits {
 };
 
 /// Holds this process to limits that it cannot raise again, and keeps it from leaving its memory behind in
-/// a file when it crashes. Past the limit of files a write fails, without a signal. False when the system
-/// refuses.
+/// a file when it crashes. Past the limit of the processor SIGXCPU ends it, if need be two seconds later
+/// for good; past that of files a write fails, without a signal. False when the system refuses.
 PLATFORM_API bool limitThisProcess(const WorkerLimits& limits);
 
-/// From now on this process ends within moments when nobody holds the other end of that pipe any more, or when
-/// the thread that started it has ended.
+/// From now on this process ends within moments when nobody holds the other end of that pipe any more, or
+/// when the thread that started it has ended.
 PLATFORM_API void endWithPipe(int pipe);
 
 /// From now on a signal that ends this process for a fault of its own (a bad access, an arithmetic fault,

@@ -18,21 +18,22 @@ namespace platform {
 
 namespace {
 
-bool limit(int resource, std::uint64_t value)
+// Between `value` and the hard limit, which lies `grace` above, a process may still say what ends it.
+bool limit(int resource, std::uint64_t value, std::uint64_t grace)
 {
     struct rlimit now;
     if (getrlimit(resource, &now) != 0) {
         return false;
     }
     // Where the host is limited already, the narrower limit holds.
-    const rlim_t wanted = std::min<rlim_t>(value, now.rlim_max);
-    const struct rlimit limits = {wanted, wanted};
+    const struct rlimit limits = {std::min<rlim_t>(value, now.rlim_max),
+                                  std::min<rlim_t>(value + grace, now.rlim_max)};
     return setrlimit(resource, &limits) == 0;
 }
 
-bool limitIfSet(int resource, std::uint64_t value)
+bool limitIfSet(int resource, std::uint64_t value, std::uint64_t grace = 0)
 {
-    return value == 0 || limit(resource, value);
+    return value == 0 || limit(resource, value, grace);
 }
 
 int watchedPipe = -1;
@@ -81,8 +82,9 @@ void handle(int signal)
 
 bool limitThisProcess(const WorkerLimits& limits)
 {
+    constexpr std::uint64_t kSecondsToSayIt = 2;
     signal(SIGXFSZ, SIG_IGN);
-    return limit(RLIMIT_CORE, 0) && limitIfSet(RLIMIT_CPU, limits.processorSeconds) &&
+    return limit(RLIMIT_CORE, 0, 0) && limitIfSet(RLIMIT_CPU, limits.processorSeconds, kSecondsToSayIt) &&
            limitIfSet(RLIMIT_AS, limits.memoryBytes) && limitIfSet(RLIMIT_FSIZE, limits.fileBytes);
 }
 
