@@ -4,6 +4,7 @@
 #include <IGESData_IGESModel.hxx>
 #include <Interface_Check.hxx>
 #include <Interface_CheckIterator.hxx>
+#include <Interface_CheckTool.hxx>
 #include <Interface_Static.hxx>
 #include <STEPCAFControl_ExternFile.hxx>
 #include <STEPCAFControl_Reader.hxx>
@@ -30,20 +31,36 @@ namespace {
 constexpr double kLoaded = 0.25;
 constexpr double kTransferred = 0.55;
 
-std::string firstFail(Interface_CheckIterator checks)
+// The number by which the file itself knows an entity.
+int numberInFile(const Handle(Interface_InterfaceModel) & model, const Handle(Standard_Transient) & entity)
 {
-    for (checks.Start(); checks.More(); checks.Next())
-        if (checks.Value()->HasFailed())
-            return "#" + std::to_string(checks.Number()) + ": " + checks.Value()->CFail(1);
-    return "without a reason";
+    if (const auto step = Handle(StepData_StepModel)::DownCast(model); !step.IsNull())
+        return step->IdentLabel(entity);
+    return 2 * model->Number(entity) - 1;
 }
 
+void refuseFailed(const Handle(Interface_InterfaceModel) & model, const Handle(Interface_Check) & check,
+                  int index)
+{
+    if (!check->HasFailed())
+        return;
+    const int number = index > 0 ? numberInFile(model, model->Value(index)) : 0;
+    throw Refusal{"the load check fails: #" + std::to_string(number) + ": " + check->CFail(1)};
+}
+
+// The fails of the session's own list: of the whole, of the grammar, of what entities demand of each other.
+// That list has warnings too, and costs twenty times as much.
 void checkLoad(const Handle(XSControl_WorkSession) & session)
 {
-    // The session's own list: what the reading of each entity left is in no other.
-    const Interface_CheckIterator checks = session->ModelCheckList();
-    if (!checks.IsEmpty(Standard_True))
-        throw Refusal{"the load check fails: " + firstFail(checks)};
+    const Handle(Interface_InterfaceModel)& model = session->Model();
+    refuseFailed(model, model->GlobalCheck(), 0);
+    for (int i = 1; i <= model->NbEntities(); ++i)
+        if (model->IsReportEntity(i))
+            refuseFailed(model, model->Check(i, Standard_True), i);
+    Interface_CheckTool tool(session->HGraph());
+    Interface_CheckIterator demands = tool.VerifyCheckList();
+    for (demands.Start(); demands.More(); demands.Next())
+        refuseFailed(model, demands.Value(), demands.Number());
 }
 
 void checkStatus(IFSelect_ReturnStatus status)
@@ -59,14 +76,6 @@ Handle(TDocStd_Document) newDocument()
     XCAFDoc_ShapeTool::SetAutoNaming(Standard_False);
     XCAFApp_Application::GetApplication()->NewDocument("MDTV-XCAF", document);
     return document;
-}
-
-// The number by which the file itself knows an entity.
-int numberInFile(const Handle(Interface_InterfaceModel) & model, const Handle(Standard_Transient) & entity)
-{
-    if (const auto step = Handle(StepData_StepModel)::DownCast(model); !step.IsNull())
-        return step->IdentLabel(entity);
-    return 2 * model->Number(entity) - 1;
 }
 
 void addFaceNumbers(const Handle(XSControl_WorkSession) & session, FaceNumbers& numbers)
