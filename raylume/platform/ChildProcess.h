@@ -29,7 +29,8 @@ class PLATFORM_API ChildProcess {
 public:
     /// Starts a program with its standard streams on the null device, no signal blocked or ignored, and of
     /// the environment only what `environment` names. It may write to the pipe that this object listens to,
-    /// and to `file`. Null when it cannot be started.
+    /// and to `file`. It has a process group of its own, so that what a terminal sends to the host's does not
+    /// reach it. Null when it cannot be started, or when `program` is no absolute path.
     static std::unique_ptr<ChildProcess> start(const std::wstring& program,
                                                const std::vector<std::string>& arguments,
                                                const std::vector<std::string>& environment,
@@ -57,8 +58,8 @@ protected:
 /// Whether a file is there that this process may run.
 PLATFORM_API bool isProgram(const std::wstring& path);
 
-/// The folder, with a separator at its end, of the library or program that holds the function at
-/// `address`; empty when the system does not tell.
+/// The folder, absolute and with a separator at its end, of the library or program that holds the function at
+/// `address`, whatever the current folder is and was; empty when the system does not tell.
 PLATFORM_API std::wstring folderOfCode(const void* address);
 
 }  // namespace platform

@@ -1,9 +1,12 @@
 #include "raylume/platform/ChildProcess.h"
 
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <gmock/gmock.h>
+#include <link.h>
 #include <signal.h>
 #include <sys/mman.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -80,6 +83,17 @@ TEST_F(Child, TellsTheSignalThatEndedIt)
     EXPECT_EQ(end->number, SIGTERM);
 }
 
+TEST_F(Child, HasAGroupOfItsOwn)
+{
+    // Behind the name stand state, parent and group.
+    const auto child = start("read -r number rest < /proc/self/stat; set -- $rest; echo $$ $4 >&3");
+    std::string text = hearAll(*child);
+    const std::size_t blank = text.find(' ');
+    ASSERT_NE(blank, std::string::npos);
+    EXPECT_EQ(std::stoi(text), std::stoi(text.substr(blank)));
+    EXPECT_NE(std::stoi(text.substr(blank)), getpgrp());
+}
+
 TEST_F(Child, IsListenedToNoLongerThanAsked)
 {
     const auto child = start("sleep 60");
@@ -140,6 +154,49 @@ TEST_F(Child, IsNullForAProgramThatIsNone)
     EXPECT_FALSE(platform::isProgram(folder_.wide() + L"/missing"));
     EXPECT_FALSE(platform::isProgram(folder_.wide()));
     EXPECT_TRUE(platform::isProgram(L"/bin/sh"));
+}
+
+// The folder of relative paths, as long as this lives.
+class CurrentFolder {
+public:
+    explicit CurrentFolder(const std::filesystem::path& path) { std::filesystem::current_path(path); }
+    CurrentFolder(const CurrentFolder&) = delete;
+    CurrentFolder& operator=(const CurrentFolder&) = delete;
+    ~CurrentFolder() { std::filesystem::current_path(before_); }
+
+private:
+    std::filesystem::path before_ = std::filesystem::current_path();
+};
+
+TEST_F(Child, IsNotLookedForInTheCurrentFolder)
+{
+    start("exit 0");
+    const CurrentFolder there(folder_.path());
+    ASSERT_TRUE(std::filesystem::exists("program"));
+    EXPECT_EQ(ChildProcess::start(L"program", {}, {}, *file_), nullptr);
+    EXPECT_EQ(ChildProcess::start(L"./program", {}, {}, *file_), nullptr);
+    EXPECT_EQ(ChildProcess::start(L"", {}, {}, *file_), nullptr);
+}
+
+TEST(FolderOfCode, IsAbsoluteForALibraryThatWasLoadedByARelativeName)
+{
+    void* const original = dlopen("libm.so.6", RTLD_NOW);
+    ASSERT_NE(original, nullptr);
+    const TemporaryFolder folder;
+    const std::string below = folder.makeFolder("a b\nc");
+    std::filesystem::copy_file(std::filesystem::canonical(static_cast<link_map*>(original)->l_name),
+                               below + "/copy.so");
+    void* copy = nullptr;
+    {
+        const CurrentFolder there(below);
+        copy = dlopen("./copy.so", RTLD_NOW | RTLD_LOCAL);
+    }
+    ASSERT_NE(copy, nullptr);
+    const void* const address = static_cast<link_map*>(copy)->l_ld;
+    EXPECT_EQ(platform::toUtf8(platform::folderOfCode(address)),
+              std::filesystem::canonical(below).string() + "/");
+    dlclose(copy);
+    dlclose(original);
 }
 
 TEST(FolderOfCode, IsThatOfTheLibraryOrTheProgram)
@@ -268,6 +325,25 @@ TEST(WorkerProcess, AnnouncesTheEndOfItsProcessorTime)
     });
     EXPECT_EQ(text, "crashed 24\n");
     EXPECT_TRUE(WIFSIGNALED(status));
+}
+
+TEST(WorkerProcess, StaysWithinTheLimitsOfItsHost)
+{
+    const auto [text, status] = asWorker([](int pipe) {
+        const rlimit hosts = {1000, 1 << 20};
+        setrlimit(RLIMIT_FSIZE, &hosts);
+        setrlimit(RLIMIT_CPU, &hosts);
+        platform::limitThisProcess({500, 0, 4096});
+        rlimit file = {};
+        rlimit processor = {};
+        getrlimit(RLIMIT_FSIZE, &file);
+        getrlimit(RLIMIT_CPU, &processor);
+        platform::writeToPipe(pipe, std::to_string(file.rlim_cur) + " " + std::to_string(file.rlim_max) +
+                                        " " + std::to_string(processor.rlim_cur) + " " +
+                                        std::to_string(processor.rlim_max));
+    });
+    EXPECT_EQ(text, "1000 4096 500 502");
+    EXPECT_EQ(status, 0);
 }
 
 TEST(WorkerProcess, FailsToWriteFilesPastItsLimitWithoutASignal)

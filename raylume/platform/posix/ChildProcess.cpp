@@ -10,8 +10,12 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cinttypes>
 #include <csignal>
+#include <cstdint>
+#include <cstdio>
 #include <cstdlib>
+#include <fstream>
 #include <utility>
 
 #include "raylume/platform/Paths.h"
@@ -72,7 +76,8 @@ private:
     bool complete_ = true;
 };
 
-// What the host blocks or ignores is no business of the child's.
+// What the host blocks or ignores is no business of the child's. Nor is what a terminal sends to the host's
+// group: the host decides what its interruption means for the child.
 class Attributes {
 public:
     Attributes()
@@ -83,7 +88,9 @@ public:
         posix_spawnattr_setsigmask(&attributes_, &signals);
         sigfillset(&signals);
         posix_spawnattr_setsigdefault(&attributes_, &signals);
-        posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+        posix_spawnattr_setpgroup(&attributes_, 0);
+        posix_spawnattr_setflags(&attributes_,
+                                 POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETPGROUP);
     }
     Attributes(const Attributes&) = delete;
     Attributes& operator=(const Attributes&) = delete;
@@ -144,13 +151,6 @@ FileHandle openHandle(pid_t process)
     return FileHandle(static_cast<int>(syscall(SYS_pidfd_open, process, 0)));
 }
 
-bool isRunning(pid_t child)
-{
-    siginfo_t state = {};
-    return waitid(P_PID, static_cast<id_t>(child), &state, WEXITED | WNOHANG | WNOWAIT) == 0 &&
-           state.si_pid == 0;
-}
-
 class PosixChild final : public ChildProcess {
 public:
     // A host that ignores its children loses their numbers to others as soon as they end. The child held
@@ -167,6 +167,9 @@ public:
     std::optional<ChildEnd> end() override;
 
 private:
+    int wait(siginfo_t& state, int options) const;
+    bool isRunning() const;
+
     pid_t child_;
     FileHandle pipe_;
     FileHandle handle_;
@@ -191,6 +194,23 @@ ChildProcess::Heard PosixChild::listen(int milliseconds, std::string& text)
     return count < 0 && errno == EINTR ? Heard::kNothing : Heard::kEnd;
 }
 
+// By the handle where that is sure: the number may be another child's by now.
+int PosixChild::wait(siginfo_t& state, int options) const
+{
+    int result;
+    do {
+        result = isSure_ ? waitid(P_PIDFD, static_cast<id_t>(handle_.number()), &state, options)
+                         : waitid(P_PID, static_cast<id_t>(child_), &state, options);
+    } while (result != 0 && errno == EINTR);
+    return result;
+}
+
+bool PosixChild::isRunning() const
+{
+    siginfo_t state = {};
+    return wait(state, WEXITED | WNOHANG | WNOWAIT) == 0 && state.si_pid == 0;
+}
+
 // Without a handle that is sure, the number is the child's as long as nobody has waited for it, which a
 // host that ignores its children has done at once.
 void PosixChild::kill()
@@ -202,7 +222,7 @@ void PosixChild::kill()
         syscall(SYS_pidfd_send_signal, handle_.number(), SIGKILL, nullptr, 0);
         return;
     }
-    if (isRunning(child_)) {
+    if (isRunning()) {
         ::kill(child_, SIGKILL);
     }
 }
@@ -214,20 +234,40 @@ std::optional<ChildEnd> PosixChild::end()
     }
     // It closes its pipe by ending; one that goes on without it is not waited for.
     constexpr int kGrace = 200;
-    for (int i = 0; i < kGrace && hasHungUp(pipe_.number()) && isRunning(child_); ++i) {
+    for (int i = 0; i < kGrace && hasHungUp(pipe_.number()) && isRunning(); ++i) {
         poll(nullptr, 0, 1);
     }
     kill();
     siginfo_t state = {};
-    int result;
-    do {
-        result = waitid(P_PID, static_cast<id_t>(child_), &state, WEXITED);
-    } while (result != 0 && errno == EINTR);
     isReaped_ = true;
-    if (result == 0) {
+    if (wait(state, WEXITED) == 0) {
         end_ = ChildEnd{state.si_code != CLD_EXITED, state.si_status};
     }
     return end_;
+}
+
+// Lines of the system's list: "<begin>-<end> <access> <offset> <device> <number>  <path>", with numbers in
+// hexadecimals. A line end in a path is written as an octal number.
+std::string fileMappedAt(std::uintptr_t address)
+{
+    std::ifstream list("/proc/self/maps");
+    for (std::string line; std::getline(list, line);) {
+        std::uintptr_t begin = 0;
+        std::uintptr_t end = 0;
+        int width = 0;
+        if (std::sscanf(line.c_str(), "%" SCNxPTR "-%" SCNxPTR " %*s %*s %*s %*s %n", &begin, &end,
+                        &width) < 2) {
+            continue;
+        }
+        if (begin <= address && address < end) {
+            std::string path = line.substr(static_cast<std::size_t>(width));
+            for (std::size_t at; (at = path.find("\\012")) != std::string::npos;) {
+                path.replace(at, 4, "\n");
+            }
+            return path;
+        }
+    }
+    return {};
 }
 
 }  // namespace
@@ -240,13 +280,17 @@ std::unique_ptr<ChildProcess> ChildProcess::start(const std::wstring& program,
                                                   const std::vector<std::string>& environment,
                                                   const AnonymousFile& file)
 {
+    const std::string native = nativePath(program);
+    // Whatever lies in the current folder is not what anybody means.
+    if (!native.starts_with('/')) {
+        return nullptr;
+    }
     Pipe pipe = makePipe();
     const FileHandle output = movedUp(file.number());
     if (!pipe.reading.isOpen() || !pipe.writing.isOpen() || !output.isOpen()) {
         return nullptr;
     }
-    const pid_t child =
-        spawn(nativePath(program), arguments, environment, pipe.writing.number(), output.number());
+    const pid_t child = spawn(native, arguments, environment, pipe.writing.number(), output.number());
     if (child < 0) {
         return nullptr;
     }
@@ -262,15 +306,16 @@ bool isProgram(const std::wstring& path)
            access(native.c_str(), X_OK) == 0;
 }
 
+// The loader's own name for a library may be relative to a folder that is no longer the current one; the
+// system's list of what is mapped has absolute ones.
 std::wstring folderOfCode(const void* address)
 {
+    std::string path = fileMappedAt(reinterpret_cast<std::uintptr_t>(address));
     Dl_info info;
-    if (dladdr(address, &info) == 0 || !info.dli_fname) {
-        return {};
+    if (path.empty() && dladdr(address, &info) != 0 && info.dli_fname) {
+        path = info.dli_fname;
     }
-    const std::string path = info.dli_fname;
-    const std::size_t cut = path.rfind('/');
-    return cut == std::string::npos ? std::wstring() : fromUtf8(path.substr(0, cut + 1));
+    return path.starts_with('/') ? fromUtf8(path.substr(0, path.rfind('/') + 1)) : std::wstring();
 }
 
 }  // namespace platform

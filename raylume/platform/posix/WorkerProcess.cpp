@@ -26,7 +26,7 @@ bool limit(int resource, std::uint64_t value, std::uint64_t grace)
         return false;
     }
     // Where the host is limited already, the narrower limit holds.
-    const struct rlimit limits = {std::min<rlim_t>(value, now.rlim_max),
+    const struct rlimit limits = {std::min<rlim_t>(value, now.rlim_cur),
                                   std::min<rlim_t>(value + grace, now.rlim_max)};
     return setrlimit(resource, &limits) == 0;
 }
