@@ -8,8 +8,8 @@
 
 namespace ovdl {
 
-/// Past any of these a document is rejected, with a reason that says which. What is 0 or less is not
-/// limited.
+/// Past any of these a document is rejected, with a reason that says which. What is 0, less, or not finite is
+/// not limited.
 struct ImportLimits {
     /// By the clock, and of processor time.
     double seconds = 600;
@@ -20,9 +20,9 @@ struct ImportLimits {
 };
 
 struct Tessellation {
-    /// How far a face may lie from its surface, as a share of the diagonal of its part's box. Above 0.
+    /// How far a face may lie from its surface, as a share of the diagonal of its part's box. From 1e-9 to 1.
     double deflection = 0.001;
-    /// How far neighbouring pieces of a curve may turn. Above 0, at most 180.
+    /// How far neighbouring pieces of a curve may turn. From 0.01 to 180.
     double degrees = 20;
 };
 

@@ -3,6 +3,7 @@
 #include <sys/types.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <cmath>
 #include <csignal>
 #include <map>
 
@@ -35,9 +36,9 @@ using ovdl::step::FileKind;
 const StartCase kStarts[] = {
     {"step", kStep, FileKind::kStep},
     {"step_behind_blanks", " \r\n\tISO-10303-21;", FileKind::kStep},
-    {"step_behind_a_byte_order_mark", "\xEF\xBB\xBFISO-10303-21;", FileKind::kStep},
+    {"step_behind_a_byte_order_mark", "\xEF\xBB\xBFISO-10303-21;", FileKind::kOther},
     {"step_behind_a_comment", "/* made by us */ ISO-10303-21;", FileKind::kStep},
-    {"step_with_blanks_before_the_semicolon", "ISO-10303-21 ;", FileKind::kStep},
+    {"step_with_blanks_before_the_semicolon", "ISO-10303-21 ;", FileKind::kOther},
     {"another_standard_of_the_family", "ISO-10303-28;", FileKind::kOther},
     {"a_longer_word", "ISO-10303-21X;", FileKind::kOther},
     {"a_comment_without_end", "/* ISO-10303-21;", FileKind::kOther},
@@ -134,7 +135,9 @@ struct EndCase {
 
 const EndCase kEnds[] = {
     {"a_fault", "kill -SEGV $$", "the import program crashed on this file (signal 11)"},
-    {"a_kill_by_others", "kill -KILL $$", "the import program crashed on this file (signal 9)"},
+    {"a_kill_by_others", "kill -KILL $$", "the import program was ended from outside (signal 9)"},
+    {"a_request_to_end_by_others", "kill -TERM $$",
+     "the import program was ended from outside (signal 15)"},
     {"a_fault_that_is_announced", "echo 'crashed 8' >&3; exit 3",
      "the import program crashed on this file (signal 8)"},
     {"no_processor_time_left", "echo 'crashed 24' >&3", "the import took longer than 600 seconds"},
@@ -183,7 +186,7 @@ TEST_P(ProgramEnd, IsARejectedDocumentForAHostThatIgnoresItsChildren)
     sigaction(SIGCHLD, &old, nullptr);
     EXPECT_EQ(outcome.kind, ReadOutcome::kRejected);
     const std::string name = GetParam().name;
-    if (name != "a_fault" && name != "a_kill_by_others")
+    if (name != "a_fault" && name != "a_kill_by_others" && name != "a_request_to_end_by_others")
         EXPECT_EQ(outcome.reason, GetParam().reason);
     else
         EXPECT_EQ(outcome.reason, "the import program ended without a result");
@@ -207,6 +210,10 @@ TEST_F(StepFormat, MakesOneShortLineOfWhatTheProgramSays)
         "printf 'refused a\\tb\\177c\\033[31m' >&3; head -c 2000 /dev/zero | tr '\\0' x >&3; echo >&3");
     EXPECT_THAT(outcome.reason, testing::StartsWith("a b c [31mxxx"));
     EXPECT_LE(outcome.reason.size(), 500u);
+    const auto cut =
+        readWith("printf 'refused ' >&3; for i in $(seq 400); do printf 'x\303\251'; done >&3; echo >&3");
+    EXPECT_EQ(cut.reason.size(), 499u);
+    EXPECT_THAT(cut.reason, testing::EndsWith("\xC3\xA9x"));
 }
 
 TEST_F(StepFormat, EndsAProgramThatTakesTooLong)
@@ -268,6 +275,32 @@ TEST_F(StepFormat, CancelsWithinMomentsAndEndsTheProgram)
     ASSERT_FALSE(gaps.empty());
     std::nth_element(gaps.begin(), gaps.begin() + static_cast<long>(gaps.size() / 2), gaps.end());
     EXPECT_LE(gaps[gaps.size() / 2], 0.05);
+}
+
+TEST_F(StepFormat, IsCancelledByWhatEndsTheProgramToo)
+{
+    Context context;
+    context.cancels = [&] { return std::filesystem::exists(folder_ / "cancelled"); };
+    // In one go, so that nobody asks between the two.
+    const auto outcome = readWith("touch '" + (folder_ / "cancelled") + "'; kill -INT $$", context);
+    EXPECT_EQ(outcome.kind, ReadOutcome::kCancelled);
+}
+
+// The second question comes when the program has ended.
+TEST_F(StepFormat, AsksOnceMoreWhenTheProgramHasEnded)
+{
+    Context context;
+    int questions = 0;
+    context.cancels = [&] {
+        // The first one waits until the program is gone, so the next thing heard is its end.
+        if (++questions == 1)
+            while (!std::filesystem::exists(folder_ / "over"))
+                usleep(1000);
+        return questions > 1;
+    };
+    EXPECT_EQ(readWith("exec 3>&-; touch '" + (folder_ / "over") + "'; kill -INT $$", context).kind,
+              ReadOutcome::kCancelled);
+    EXPECT_EQ(questions, 2);
 }
 
 TEST_F(StepFormat, AsksBeforeItStartsAnything)
@@ -368,6 +401,9 @@ const TessellationCase kTessellations[] = {
     {"one_number", "0.01", 0.001, 20},
     {"no_number", "fine,very", 0.001, 20},
     {"zero", "0,5", 0.001, 20},
+    {"the_finest", "1e-9,0.01", 1e-9, 0.01},
+    {"a_share_below_the_finest", "0.9e-9,5", 0.001, 20},
+    {"an_angle_below_the_finest", "0.01,0.009", 0.001, 20},
     {"a_negative_angle", "0.01,-5", 0.001, 20},
     {"more_than_a_half_turn", "0.01,181", 0.001, 20},
     {"more_than_the_whole_part", "1.5,20", 0.001, 20},
@@ -395,7 +431,32 @@ TEST(ImportLimits, ComeFromTheEnvironmentUntilTheyAreSet)
     EXPECT_EQ(ovdl::step::currentLimits().outputBytes, std::uint64_t{4096} << 20);
 }
 
+TEST(ImportLimits, AreNeverNoneForBeingSmall)
+{
+    const ScopedVariable memory("RAYLUME_IMPORT_MEGABYTES", "0.0000001");
+    const ScopedVariable output("RAYLUME_IMPORT_OUTPUT_MEGABYTES", "0");
+    EXPECT_EQ(ovdl::step::currentLimits().memoryBytes, 1u);
+    EXPECT_EQ(ovdl::step::currentLimits().outputBytes, 0u);
+}
+
+TEST_F(StepFormat, SaysSmallLimitsInBytes)
+{
+    const ScopedVariable output("RAYLUME_IMPORT_OUTPUT_MEGABYTES", "0.0000001");
+    EXPECT_EQ(readWith("echo 'output-full ' >&3").reason, "the imported document is larger than 1 byte");
+}
+
 // In a process of their own: what is set stays.
+TEST(ImportSettingsDeathTest, TakeSecondsThatAreNotFiniteForNoLimit)
+{
+    const auto set = [] {
+        ovdl::setImportLimits({HUGE_VAL, 8, 9});
+        const bool infinite = ovdl::step::currentLimits().seconds == 0;
+        ovdl::setImportLimits({std::nan(""), 8, 9});
+        _exit(infinite && ovdl::step::currentLimits().seconds == 0 ? 0 : 1);
+    };
+    EXPECT_EXIT(set(), testing::ExitedWithCode(0), "");
+}
+
 TEST(ImportSettingsDeathTest, GoBeforeTheEnvironmentOnceTheyAreSet)
 {
     const auto set = [] {

@@ -5,7 +5,6 @@
 namespace ovdl::step {
 namespace {
 
-constexpr std::string_view kMark = "\xEF\xBB\xBF";
 constexpr std::string_view kBlanks = " \t\r\n";
 
 // Blanks and comments may stand before the first word.
@@ -22,14 +21,8 @@ std::string_view behindComments(std::string_view text)
 
 bool isStep(std::string_view start)
 {
-    if (start.starts_with(kMark))
-        start.remove_prefix(kMark.size());
-    constexpr std::string_view kWord = "ISO-10303-21";
-    start = behindComments(start);
-    if (!start.starts_with(kWord))
-        return false;
-    start = behindComments(start.substr(kWord.size()));
-    return start.starts_with(';');
+    // As Open CASCADE wants it: no byte-order mark, and nothing before the semicolon.
+    return behindComments(start).starts_with("ISO-10303-21;");
 }
 
 // Lines of 80 characters: 72 of text, the letter of the section, the number in it. The first section is the

@@ -78,6 +78,18 @@ std::optional<ImportRequest> requestOf(const std::vector<std::string>& arguments
     return ImportRequest{arguments[1], arguments[2], {*seconds, *memory, *output}, {*deflection, *degrees}};
 }
 
+std::string_view shortened(std::string_view text, std::size_t bytes)
+{
+    if (text.size() <= bytes)
+        return text;
+    const auto isInside = [&](std::size_t at) {
+        return (static_cast<unsigned char>(text[at]) & 0xC0) == 0x80;
+    };
+    while (bytes > 0 && isInside(bytes))
+        --bytes;
+    return text.substr(0, bytes);
+}
+
 const char* wordOf(Message message)
 {
     const auto* const word = std::find_if(std::begin(kWords), std::end(kWords),

@@ -38,6 +38,11 @@ struct Line {
     std::string_view rest;  ///< Behind the word, without the end of the line.
 };
 
+/// Of reasons, in bytes.
+inline constexpr std::size_t kLongestReason = 500;
+/// The start of `text`, that many bytes at most, without a part of a character of UTF-8 at its end.
+std::string_view shortened(std::string_view text, std::size_t bytes);
+
 const char* wordOf(Message message);
 /// "word rest\n"; line ends inside `rest` become blanks.
 std::string lineOf(Message message, std::string_view rest);

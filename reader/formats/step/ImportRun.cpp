@@ -18,7 +18,6 @@ namespace {
 constexpr int kMillisecondsAWait = 25;
 // Longer lines no program of ours writes.
 constexpr std::size_t kLongestLine = 8192;
-constexpr std::size_t kLongestReason = 500;
 
 // What the program needs of the host's environment: its libraries, and how sanitizers are set up.
 const std::vector<std::string>& handedOn()
@@ -30,6 +29,8 @@ const std::vector<std::string>& handedOn()
 
 std::string megabytes(std::uint64_t bytes)
 {
+    if (bytes < 1048576)
+        return std::to_string(bytes) + (bytes == 1 ? " byte" : " bytes");
     return std::to_string(bytes >> 20) + " megabytes";
 }
 
@@ -42,13 +43,16 @@ std::string endedBy(std::uint64_t signal, const ImportLimits& limits)
 {
     if (signal == SIGXCPU)
         return tooLong(limits);
+    // These no fault of its own raises.
+    if (signal == SIGKILL || signal == SIGTERM)
+        return "the import program was ended from outside (signal " + std::to_string(signal) + ")";
     return "the import program crashed on this file (signal " + std::to_string(signal) + ")";
 }
 
 // Whatever the program says may come from the file.
 std::string plainLine(std::string_view text)
 {
-    std::wstring wide = platform::fromUtf8(text.substr(0, kLongestReason));
+    std::wstring wide = platform::fromUtf8(shortened(text, kLongestReason));
     std::replace_if(
         wide.begin(), wide.end(), [](wchar_t c) { return c < 0x20 || c == 0x7F; }, L' ');
     return platform::toUtf8(wide);
@@ -72,6 +76,9 @@ public:
             if (isLate())
                 return ended(refused(tooLong(request_.limits)));
             const Heard heard = child_.listen(kMillisecondsAWait, text_);
+            // What ended the program may be what cancels.
+            if (heard == Heard::kEnd && context_.cancelled())
+                return ended({ImportResult::kCancelled, nullptr, {}});
             if (!takeLines())
                 return ended(refused("the import program says what nobody understands"));
             if (heard == Heard::kEnd)

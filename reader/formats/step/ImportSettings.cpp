@@ -1,5 +1,6 @@
 #include "reader/formats/step/ImportSettings.h"
 
+#include <cmath>
 #include <mutex>
 #include <optional>
 
@@ -27,8 +28,9 @@ Settings& settings()
 
 bool isSensible(const Tessellation& tessellation)
 {
-    return tessellation.deflection > 0 && tessellation.deflection <= 1 && tessellation.degrees > 0 &&
-           tessellation.degrees <= 180;
+    // Finer than that the mesher fails, or never ends.
+    return tessellation.deflection >= 1e-9 && tessellation.deflection <= 1 &&
+           tessellation.degrees >= 0.01 && tessellation.degrees <= 180;
 }
 
 std::optional<double> numberIn(const char* variable)
@@ -43,7 +45,10 @@ std::uint64_t bytesIn(const char* variable, std::uint64_t otherwise)
 {
     constexpr double kMost = 8e12;
     const auto number = numberIn(variable);
-    return number && *number <= kMost ? static_cast<std::uint64_t>(*number * 1048576) : otherwise;
+    if (!number || *number > kMost)
+        return otherwise;
+    // Only 0 itself is no limit.
+    return static_cast<std::uint64_t>(std::ceil(*number * 1048576));
 }
 
 ImportLimits limitsOfEnvironment()
@@ -91,7 +96,8 @@ std::wstring importProgram()
     const std::lock_guard lock(settings().mutex);
     if (!settings().program.empty())
         return settings().program;
-    return platform::folderOfCode(reinterpret_cast<const void*>(&anchor)) + L"ovdl-import";
+    static const std::wstring folder = platform::folderOfCode(reinterpret_cast<const void*>(&anchor));
+    return folder.empty() ? std::wstring() : folder + L"ovdl-import";
 }
 
 void setImportProgram(const std::wstring& path)
@@ -106,6 +112,8 @@ void setImportLimits(const ImportLimits& limits)
 {
     const std::lock_guard lock(step::settings().mutex);
     step::settings().limits = limits;
+    if (!std::isfinite(limits.seconds))
+        step::settings().limits->seconds = 0;
 }
 
 bool setTessellation(const Tessellation& tessellation)

@@ -12,7 +12,8 @@ namespace ovdl::step {
 ImportLimits currentLimits();
 Tessellation currentTessellation();
 
-/// The program, in the folder of the library that this code is in.
+/// The program, in the folder of the library that this code is in; empty when the system does not tell
+/// that.
 std::wstring importProgram();
 /// Puts another one in its place; an empty path takes that back.
 void setImportProgram(const std::wstring& path);

@@ -59,8 +59,10 @@ bool StepFormat::recognises(const std::wstring& path, std::string& reason)
 {
     if (kindOf(path) == FileKind::kOther)
         return false;
-    if (!platform::isProgram(importProgram())) {
-        reason = "the program that imports STEP and IGES is missing: " + platform::toUtf8(importProgram());
+    const std::wstring program = importProgram();
+    if (!platform::isProgram(program)) {
+        reason = "the program that imports STEP and IGES is missing: " +
+                 (program.empty() ? "ovdl-import" : platform::toUtf8(program));
         return false;
     }
     return true;

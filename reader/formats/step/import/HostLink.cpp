@@ -6,7 +6,7 @@ namespace ovdl::step {
 
 void HostLink::say(Message message, std::string_view rest) const
 {
-    platform::writeToPipe(pipe_, lineOf(message, rest));
+    platform::writeToPipe(pipe_, lineOf(message, shortened(rest, kLongestReason)));
 }
 
 void HostLink::beginStep(double end)
