@@ -4,9 +4,12 @@
 #include <BRepMesh_IncrementalMesh.hxx>
 #include <BRepPrimAPI_MakeCone.hxx>
 #include <BRepPrimAPI_MakeSphere.hxx>
+#include <BRep_Tool.hxx>
+#include <Poly_Triangulation.hxx>
 #include <TopExp_Explorer.hxx>
 #include <TopLoc_Location.hxx>
 #include <TopoDS.hxx>
+#include <cmath>
 #include <gp_Ax2.hxx>
 #include <gp_Trsf.hxx>
 
@@ -64,6 +67,28 @@ INSTANTIATE_TEST_SUITE_P(Rows, PlacedFace,
                                          PlaceCase{"mirrored", true, false, -0.1},
                                          PlaceCase{"mirrored_and_reversed", true, true, -0.1}),
                          [](const auto& row) { return row.param.name; });
+
+TEST(FaceMesh, DropsTrianglesWhosePointsAreNotFinite)
+{
+    const TopoDS_Face face = meshedSphere();
+    const auto trianglesNow = [&] {
+        ovdl::PreparedDocument document;
+        uoTempFaceTessData_c result;
+        ovdl::step::FaceMesh(document).fill(face, result);
+        for (long long i = 0; i < result.points.count; ++i)
+            EXPECT_TRUE(std::isfinite(result.points.data[i]));
+        return trianglesOf(result).size();
+    };
+    const std::size_t all = trianglesNow();
+    TopLoc_Location location;
+    const Handle(Poly_Triangulation) mesh = BRep_Tool::Triangulation(face, location);
+    const int middle = mesh->NbNodes() / 2;
+    for (const gp_Pnt& far : {gp_Pnt(1e99, 0, 0), gp_Pnt(0, -1e99, 0), gp_Pnt(0, 0, std::nan(""))}) {
+        mesh->SetNode(middle, far);
+        EXPECT_LT(trianglesNow(), all);
+        EXPECT_GT(trianglesNow(), all / 2);
+    }
+}
 
 TEST(FaceMesh, LeavesAFaceWithoutAMeshEmpty)
 {

@@ -556,7 +556,7 @@ TEST_F(StepImport, RefusesWhatBecomesLargerThanAllowed)
     const ScopedVariable output("RAYLUME_IMPORT_OUTPUT_MEGABYTES", "0.1");
     const auto outcome = read(path_);
     EXPECT_EQ(outcome.kind, ReadOutcome::kRejected);
-    EXPECT_EQ(outcome.reason, "the imported document is larger than 0 megabytes");
+    EXPECT_EQ(outcome.reason, "the imported document is larger than 104858 bytes");
 }
 
 TEST_F(StepImport, ReadsForAHostThatIgnoresItsChildren)
@@ -577,18 +577,70 @@ TEST_F(StepImport, ReadsNumbersTheSameInEveryLocale)
     EXPECT_NEAR(boxOf(outcome).max[2], 0.000125, 1e-10);
 }
 
-// The angle is too small for the mesher, which raises an exception for each body.
+// A ball so far away that no single precision number says where.
+constexpr double kBall[] = {5, 7, 9};
+constexpr char kBallsCentre[] = "(5.,7.,9.)";
+constexpr char kFarCentre[] = "(1.E99,7.,9.)";
+
+TopoDS_Shape ball()
+{
+    return BRepPrimAPI_MakeSphere(gp_Pnt(kBall[0], kBall[1], kBall[2]), 1).Shape();
+}
+
 TEST_F(StepImport, LosesNoMoreThanTheBodiesOnWhichTheMesherFails)
 {
     ModelBuilder model;
-    model.part("thing", compoundOf({box(1, 1, 1), BRepPrimAPI_MakeBox(gp_Pnt(5, 0, 0), 1, 1, 1).Shape()}));
+    model.part("thing", compoundOf({box(1, 2, 3), ball()}));
     model.writeStep(path_);
-    const ScopedVariable fine("RAYLUME_TESSELLATION", "0.001,1e-13");
+    replace(kBallsCentre, kFarCentre);
     const auto outcome = readPath();
     const auto& part = partIn(outcome);
     ASSERT_EQ(part.bodies.count, 2);
-    EXPECT_EQ(part.bodies.data[0]->faces.count, 6);
-    EXPECT_EQ(facesOf(part)[0]->stripCount, 0);
+    ASSERT_EQ(part.bodies.data[0]->faces.count, 6);
+    for (int i = 0; i < 6; ++i)
+        EXPECT_GT(part.bodies.data[0]->faces.data[i]->stripCount, 0);
+    ASSERT_EQ(part.bodies.data[1]->faces.count, 1);
+    EXPECT_EQ(part.bodies.data[1]->faces.data[0]->stripCount, 0);
+    EXPECT_NEAR(boxOf(outcome).max[2], 0.003, 1e-8);
+}
+
+TEST_F(StepImport, RefusesADocumentInWhichNothingCanBeMeshed)
+{
+    ModelBuilder model;
+    model.part("thing", ball());
+    model.writeStep(path_);
+    replace(kBallsCentre, kFarCentre);
+    const auto outcome = read(path_);
+    EXPECT_EQ(outcome.kind, ReadOutcome::kRejected);
+    EXPECT_EQ(outcome.reason, "nothing in the file could be meshed");
+}
+
+TEST_F(StepImport, RefusesMoreOccurrencesThanTheFileExplains)
+{
+    ModelBuilder model;
+    auto level = model.part("thing", box(1, 1, 1));
+    for (int i = 0; i < 17; ++i) {
+        const auto next = model.assembly("level");
+        model.add(next, level);
+        model.add(next, level, moved(i + 1, 0, 0));
+        level = next;
+    }
+    model.writeStep(path_);
+    const auto outcome = read(path_);
+    EXPECT_EQ(outcome.kind, ReadOutcome::kRejected);
+    EXPECT_EQ(outcome.reason, "the file has more occurrences than its size explains");
+}
+
+TEST_F(StepImport, TakesNamesInEightBitsForWesternOnes)
+{
+    ModelBuilder model;
+    const auto root = model.assembly("root");
+    model.add(root, model.part("Escaped", box(1, 1, 1)), moved(1, 0, 0));
+    model.add(root, model.part("Raw", box(1, 1, 1)), moved(2, 0, 0));
+    model.writeStep(path_);
+    replace("'Escaped'", "'\\X2\\00D6\\X0\\l'");
+    replace("'Raw'", "'Schl\xFCssel'");
+    EXPECT_THAT(pathsOf(readPath()), ElementsAre("\xC3\x96l-1@model", "Schl\xC3\xBCssel-1@model"));
 }
 
 // A solid that stands in its product by way of a mapped item: turned half round z, and moved.
@@ -664,6 +716,66 @@ TEST_F(ExternalFile, IsReadByARelativePathToo)
     EXPECT_THAT(shown(), testing::UnorderedElementsAre(kBack, kFront));
 }
 
+// The folder of relative paths, as long as this lives.
+class CurrentFolder {
+public:
+    explicit CurrentFolder(const std::string& path) { std::filesystem::current_path(path); }
+    CurrentFolder(const CurrentFolder&) = delete;
+    CurrentFolder& operator=(const CurrentFolder&) = delete;
+    ~CurrentFolder() { std::filesystem::current_path(before_); }
+
+private:
+    std::filesystem::path before_ = std::filesystem::current_path();
+};
+
+TEST_F(ExternalFile, IsNotLookedForInTheCurrentFolder)
+{
+    std::filesystem::rename(inside_ + "/HEAD_BACK.stp", folder_ / "HEAD_BACK.stp");
+    const std::string current = folder_.makeFolder("current");
+    std::filesystem::create_symlink(folder_ / "HEAD_BACK.stp", current + "/HEAD_BACK.stp");
+    const CurrentFolder there(current);
+    path_ = "../inside/HEAD.stp";
+    EXPECT_THAT(shown(), ElementsAre(kFront));
+}
+
+TEST_F(ExternalFile, IsLookedForBesideWhatALinkToTheDocumentMeans)
+{
+    const std::string links = folder_.makeFolder("links");
+    std::filesystem::create_symlink(path_, links + "/HEAD.stp");
+    // Beside the link its front is another file, which nobody must read.
+    std::filesystem::create_symlink("/dev/null", links + "/HEAD_FRONT.stp");
+    path_ = links + "/HEAD.stp";
+    EXPECT_THAT(shown(), testing::UnorderedElementsAre(kBack, kFront));
+}
+
+TEST_F(ExternalFile, IsNotReadBesideALinkToTheDocument)
+{
+    const std::string links = folder_.makeFolder("links");
+    std::filesystem::create_symlink(path_, links + "/HEAD.stp");
+    std::filesystem::rename(inside_ + "/HEAD_BACK.stp", folder_ / "HEAD_BACK.stp");
+    std::filesystem::create_symlink(folder_ / "HEAD_BACK.stp", links + "/HEAD_BACK.stp");
+    path_ = links + "/HEAD.stp";
+    EXPECT_THAT(shown(), ElementsAre(kFront));
+}
+
+// Names that are taken out leave one behind, under which there must be nothing to find.
+TEST_F(ExternalFile, IsNotReadUnderTheNameOfOneThatIsLeftOut)
+{
+    std::filesystem::rename(inside_ + "/HEAD_BACK.stp", folder_ / "HEAD_BACK.stp");
+    rename("HEAD_BACK.stp", "../HEAD_BACK.stp");
+    std::filesystem::create_symlink(folder_ / "HEAD_BACK.stp", inside_ + "/\x7F");
+    std::filesystem::create_directories(inside_ + "/dev/null");
+    std::filesystem::create_symlink(folder_ / "HEAD_BACK.stp", inside_ + "/dev/null/none");
+    EXPECT_THAT(shown(), ElementsAre(kFront));
+}
+
+TEST_F(StepImport, RefusesAFileThatIsGone)
+{
+    const auto outcome = read(path_);
+    EXPECT_EQ(outcome.kind, ReadOutcome::kRejected);
+    EXPECT_EQ(outcome.reason, "the file cannot be opened");
+}
+
 TEST_F(ExternalFile, IsReadBelowTheDocument)
 {
     folder_.makeFolder("inside/below");
@@ -724,11 +836,40 @@ TEST_F(ExternalFile, IsNotReadWhenItLeadsOutOfTheFolderItself)
         EXPECT_THAT(name, testing::Not(HasSubstr("HEAD")));
 }
 
-TEST_F(ExternalFile, MayNameTheDocumentItself)
+TEST_F(ExternalFile, IsNotReadWhenItIsTheDocumentItself)
 {
     rename("HEAD_BACK.stp", "HEAD.stp");
-    const ScopedVariable seconds("RAYLUME_IMPORT_SECONDS", "20");
-    EXPECT_NE(read(path_).kind, ReadOutcome::kCancelled);
+    EXPECT_THAT(shown(), ElementsAre(kFront));
+}
+
+TEST_F(ExternalFile, IsNotReadWhenItNamesItself)
+{
+    std::filesystem::copy_file(path_, inside_ + "/HEAD_BACK.stp",
+                               std::filesystem::copy_options::overwrite_existing);
+    EXPECT_THAT(shown(), ElementsAre(kFront));
+}
+
+TEST_F(ExternalFile, IsNotReadWhenItNamesTheDocument)
+{
+    rename("HEAD_BACK.stp", "s1-c5-214.stp");
+    path_ = inside_ + "/s1-c5-214.stp";
+    const auto all = shown();
+    EXPECT_EQ(all.size(), 9u);
+    for (const std::string& name : all)
+        EXPECT_THAT(name, testing::Not(HasSubstr("HEAD")));
+}
+
+TEST_F(ExternalFile, IsNotReadWhenItsLoadCheckFails)
+{
+    std::string text = readFile(inside_ + "/HEAD_BACK.stp");
+    const std::string face = "#161=ADVANCED_FACE('*VOL5',(#100,#160),#40,";
+    const std::size_t found = text.find(face);
+    ASSERT_NE(found, std::string::npos);
+    folder_.write("inside/HEAD_BACK.stp",
+                  text.replace(found, face.size(), "#161=ADVANCED_FACE('*VOL5',(#100,#160),'surface',"));
+    const auto outcome = read(path_);
+    EXPECT_EQ(outcome.kind, ReadOutcome::kRejected);
+    EXPECT_THAT(outcome.reason, testing::StartsWith("the load check of \"HEAD_BACK.stp\" fails: #161: "));
 }
 
 }  // namespace

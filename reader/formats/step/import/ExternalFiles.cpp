@@ -15,14 +15,15 @@
 #include <vector>
 
 #include "reader/formats/step/import/HostLink.h"
+#include "reader/formats/step/import/LoadCheck.h"
 
 namespace ovdl::step {
 namespace {
 
 namespace fs = std::filesystem;
 
-// A name that no folder has, for the library to fail on.
-constexpr char kNoFile[] = "\x7F";
+// A name that nothing can have, for the library to fail on.
+constexpr char kNoFile[] = "/dev/null/none";
 
 bool isRelativeName(std::string_view name)
 {
@@ -56,7 +57,10 @@ std::vector<std::string> namesIn(const Handle(XSControl_WorkSession) & session)
 // Decides which files may be followed. Files that are named are read once more to see what they name.
 class Following {
 public:
-    explicit Following(fs::path folder) : folder_(std::move(folder)) {}
+    explicit Following(const fs::path& document) : folder_(document.parent_path())
+    {
+        verdicts_.emplace(document, false);
+    }
 
     /// `from` is the folder of the file that has the name.
     bool isAllowed(const std::string& name, const fs::path& from)
@@ -66,14 +70,14 @@ public:
         std::error_code error;
         const fs::path file = fs::canonical(from / name, error);
         // What is not there is not followed anyway.
-        return error || (liesIn(folder_, file) && namesOnlyAllowed(file));
+        return error || (liesIn(folder_, file) && mayBeRead(file));
     }
 
 private:
-    bool namesOnlyAllowed(const fs::path& file)
+    bool mayBeRead(const fs::path& file)
     {
-        // One that names itself, by whatever way round, is no worse for it.
-        const auto [known, isNew] = verdicts_.emplace(file, true);
+        // One that names itself, by whatever way round, would never come to an end.
+        const auto [known, isNew] = verdicts_.emplace(file, false);
         if (isNew)
             known->second = look(file);
         return known->second;
@@ -81,12 +85,25 @@ private:
 
     bool look(const fs::path& file)
     {
+        std::string fail;
+        const auto names = namesAndFail(file, fail);
+        const bool staysInside = std::all_of(names.begin(), names.end(), [&](const std::string& name) {
+            return isAllowed(name, file.parent_path());
+        });
+        if (staysInside && !fail.empty())
+            throw Refusal{"the load check of \"" + file.lexically_relative(folder_).string() +
+                          "\" fails: " + fail};
+        return staysInside;
+    }
+
+    // What the library cannot load it will not take anything from.
+    static std::vector<std::string> namesAndFail(const fs::path& file, std::string& fail)
+    {
         STEPControl_Reader reader;
         if (reader.ReadFile(file.c_str()) != IFSelect_RetDone)
-            return true;
-        const auto names = namesIn(reader.WS());
-        return std::all_of(names.begin(), names.end(),
-                           [&](const std::string& name) { return isAllowed(name, file.parent_path()); });
+            return {};
+        fail = firstFail(reader.WS());
+        return namesIn(reader.WS());
     }
 
     fs::path folder_;
@@ -114,11 +131,11 @@ void dropForeignFiles(const Handle(XSControl_WorkSession) & session, const std::
     STEPConstruct_ExternRefs references(session);
     if (!references.LoadExternRefs() || references.NbExternRefs() == 0)
         return;
-    const fs::path folder = fs::canonical(fs::absolute(path)).parent_path();
-    Following following(folder);
+    const fs::path document = path;
+    Following following(document);
     for (int i = 1; i <= references.NbExternRefs(); ++i) {
         const char* name = references.FileName(i);
-        if (name && following.isAllowed(name, folder))
+        if (name && following.isAllowed(name, document.parent_path()))
             continue;
         rename(session, references.DocFile(i));
         if (references.FileName(i) && std::string_view(references.FileName(i)) != kNoFile)

@@ -222,6 +222,13 @@ void FaceMesh::joinSeams()
     }
 }
 
+// Numbers of a file may be beyond single precision, or grow so on the way.
+bool FaceMesh::isFinite(std::uint32_t vertex) const
+{
+    const float* point = &vertices_.points[3 * std::size_t{vertex}];
+    return std::isfinite(point[0]) && std::isfinite(point[1]) && std::isfinite(point[2]);
+}
+
 bool FaceMesh::isFlat(std::uint32_t a, std::uint32_t b, std::uint32_t c) const
 {
     const auto same = [&](std::uint32_t i, std::uint32_t j) {
@@ -231,7 +238,8 @@ bool FaceMesh::isFlat(std::uint32_t a, std::uint32_t b, std::uint32_t c) const
     return same(a, b) || same(b, c) || same(a, c);
 }
 
-// Makes one of vertices that are equal in all, and drops triangles that have the same point twice.
+// Makes one of vertices that are equal in all, and drops triangles that have the same point twice, or one
+// that is nowhere.
 TriangleList FaceMesh::weld()
 {
     const std::size_t count = vertices_.points.size() / 3;
@@ -250,7 +258,8 @@ TriangleList FaceMesh::weld()
         std::uint32_t corners[3];
         for (std::size_t corner = 0; corner < 3; ++corner)
             corners[corner] = first[remap_[list_[i + corner]]];
-        if (isFlat(corners[0], corners[1], corners[2]))
+        if (isFlat(corners[0], corners[1], corners[2]) || !isFinite(corners[0]) || !isFinite(corners[1]) ||
+            !isFinite(corners[2]))
             continue;
         std::copy_n(corners, 3, &list_[written]);
         written += 3;

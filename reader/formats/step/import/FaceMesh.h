@@ -34,6 +34,7 @@ private:
     void takeTriangles(const Poly_Triangulation& mesh, bool isFlipped);
     void joinSeams();
     TriangleList weld();
+    bool isFinite(std::uint32_t vertex) const;
     bool isFlat(std::uint32_t a, std::uint32_t b, std::uint32_t c) const;
     void store(const StripIds& strips, uoTempFaceTessData_c& result);
 

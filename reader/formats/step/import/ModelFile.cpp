@@ -2,13 +2,10 @@
 
 #include <IGESCAFControl_Reader.hxx>
 #include <IGESData_IGESModel.hxx>
-#include <Interface_Check.hxx>
-#include <Interface_CheckIterator.hxx>
-#include <Interface_CheckTool.hxx>
 #include <Interface_Static.hxx>
+#include <Resource_FormatType.hxx>
 #include <STEPCAFControl_ExternFile.hxx>
 #include <STEPCAFControl_Reader.hxx>
-#include <StepData_StepModel.hxx>
 #include <TopLoc_Location.hxx>
 #include <TransferBRep.hxx>
 #include <Transfer_Binder.hxx>
@@ -23,6 +20,8 @@
 
 #include "reader/formats/step/FileStart.h"
 #include "reader/formats/step/import/ExternalFiles.h"
+#include "reader/formats/step/import/LoadCheck.h"
+#include "reader/formats/step/import/TextEncoding.h"
 
 namespace ovdl::step {
 namespace {
@@ -31,36 +30,18 @@ namespace {
 constexpr double kLoaded = 0.25;
 constexpr double kTransferred = 0.55;
 
-// The number by which the file itself knows an entity.
-int numberInFile(const Handle(Interface_InterfaceModel) & model, const Handle(Standard_Transient) & entity)
-{
-    if (const auto step = Handle(StepData_StepModel)::DownCast(model); !step.IsNull())
-        return step->IdentLabel(entity);
-    return 2 * model->Number(entity) - 1;
-}
-
-void refuseFailed(const Handle(Interface_InterfaceModel) & model, const Handle(Interface_Check) & check,
-                  int index)
-{
-    if (!check->HasFailed())
-        return;
-    const int number = index > 0 ? numberInFile(model, model->Value(index)) : 0;
-    throw Refusal{"the load check fails: #" + std::to_string(number) + ": " + check->CFail(1)};
-}
-
-// The fails of the session's own list: of the whole, of the grammar, of what entities demand of each other.
-// That list has warnings too, and costs twenty times as much.
 void checkLoad(const Handle(XSControl_WorkSession) & session)
 {
-    const Handle(Interface_InterfaceModel)& model = session->Model();
-    refuseFailed(model, model->GlobalCheck(), 0);
-    for (int i = 1; i <= model->NbEntities(); ++i)
-        if (model->IsReportEntity(i))
-            refuseFailed(model, model->Check(i, Standard_True), i);
-    Interface_CheckTool tool(session->HGraph());
-    Interface_CheckIterator demands = tool.VerifyCheckList();
-    for (demands.Start(); demands.More(); demands.Next())
-        refuseFailed(model, demands.Value(), demands.Number());
+    const std::string fail = firstFail(session);
+    if (!fail.empty())
+        throw Refusal{"the load check fails: " + fail};
+}
+
+std::uint64_t sizeOf(const std::string& path)
+{
+    std::error_code error;
+    const auto size = std::filesystem::file_size(path, error);
+    return error ? 0 : size;
 }
 
 void checkStatus(IFSelect_ReturnStatus status)
@@ -92,9 +73,18 @@ void addFaceNumbers(const Handle(XSControl_WorkSession) & session, FaceNumbers& 
     }
 }
 
+// The standard has names in ASCII, and how to write others in it; but there are files in UTF-8 and, from
+// older programs, in ISO 8859-1, which is what remains.
+void chooseEncoding(const std::string& path)
+{
+    const auto encoding = isUtf8File(path) ? Resource_FormatType_UTF8 : Resource_FormatType_iso8859_1;
+    Interface_Static::SetIVal("read.step.codepage", encoding);
+}
+
 Model readStep(const std::string& path, HostLink& link)
 {
     STEPCAFControl_Reader reader;
+    chooseEncoding(path);
     Interface_Static::SetCVal("xstep.cascade.unit", "MM");
     reader.SetLayerMode(Standard_False);
     reader.SetPropsMode(Standard_False);
@@ -107,6 +97,7 @@ Model readStep(const std::string& path, HostLink& link)
     checkLoad(session);
     dropForeignFiles(session, path);
     Model model;
+    model.bytes = sizeOf(path);
     model.document = newDocument();
     link.beginStep(kTransferred);
     const Handle(StepIndicator) indicator = new StepIndicator(link);
@@ -114,8 +105,10 @@ Model readStep(const std::string& path, HostLink& link)
         throw Refusal{"nothing in the file can be made into shapes"};
     addFaceNumbers(session, model.faceNumbers);
     for (auto file = reader.ExternFiles().cbegin(); file != reader.ExternFiles().cend(); ++file)
-        if (!(*file)->GetWS().IsNull() && (*file)->GetTransferStatus())
+        if (!(*file)->GetWS().IsNull() && (*file)->GetTransferStatus()) {
             addFaceNumbers((*file)->GetWS(), model.faceNumbers);
+            model.bytes += sizeOf((*file)->GetWS()->LoadedFile());
+        }
     return model;
 }
 
@@ -138,6 +131,7 @@ Model readIges(const std::string& path, HostLink& link)
     checkStatus(reader.ReadFile(path.c_str()));
     checkLoad(reader.WS());
     Model model;
+    model.bytes = sizeOf(path);
     model.document = newDocument();
     link.beginStep(kTransferred);
     const Handle(StepIndicator) indicator = new StepIndicator(link);
@@ -163,8 +157,12 @@ FileKind kindOf(const std::string& path)
 
 Model readModel(const std::string& given, HostLink& link)
 {
-    // Files that are named by others are found from absolute paths only.
-    const std::string path = std::filesystem::absolute(given).string();
+    // Files that it names are looked for beside it, by us and by the library: both must mean the same
+    // place.
+    std::error_code error;
+    const std::string path = std::filesystem::canonical(given, error).string();
+    if (error)
+        throw Refusal{"the file cannot be opened"};
     const FileKind kind = kindOf(path);
     link.beginStep(kLoaded);
     switch (kind) {

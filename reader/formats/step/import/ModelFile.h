@@ -6,6 +6,7 @@
 #include <TDocStd_Document.hxx>
 #include <TopTools_ShapeMapHasher.hxx>
 #include <TopoDS_Shape.hxx>
+#include <cstdint>
 #include <string>
 
 #include "reader/formats/step/import/HostLink.h"
@@ -20,6 +21,7 @@ struct Model {
     /// The file has no products: whatever stands in it is one part.
     bool isOnePart = false;
     FaceNumbers faceNumbers;
+    std::uint64_t bytes = 0;  ///< Of the file and of those that it names.
 };
 
 /// Reads and transfers the file. Lengths are millimetres afterwards, whatever the file's unit: the

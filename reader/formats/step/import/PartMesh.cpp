@@ -15,6 +15,8 @@
 #include <XCAFDoc_ShapeTool.hxx>
 #include <algorithm>
 #include <cmath>
+#include <exception>
+#include <new>
 
 namespace ovdl::step {
 namespace {
@@ -23,6 +25,25 @@ constexpr double kPi = 3.141592653589793;
 // What a body has that nobody assigned to a level.
 constexpr int kLevel = 100;
 
+// False when the library fails, in its own way or in that of its containers. Memory is not its to fail on:
+// there is a limit to that.
+template <class Work>
+bool unlessItFails(Work work)
+{
+    try {
+        work();
+        return true;
+    } catch (const Standard_OutOfMemory&) {
+        throw;
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const Standard_Failure&) {
+        return false;
+    } catch (const std::exception&) {
+        return false;
+    }
+}
+
 // A share of the diagonal, within what the mesher takes.
 double deflectionFor(const TopoDS_Shape& shape, double share)
 {
@@ -30,8 +51,8 @@ double deflectionFor(const TopoDS_Shape& shape, double share)
     constexpr double kMost = 1e9;
     Bnd_Box box;
     box.SetGap(0);
-    BRepBndLib::Add(shape, box, Standard_False);
-    if (box.IsVoid() || box.IsOpen())
+    if (!unlessItFails([&] { BRepBndLib::Add(shape, box, Standard_False); }) || box.IsVoid() ||
+        box.IsOpen())
         return share;
     const double deflection = share * std::sqrt(box.SquareExtent());
     return std::isfinite(deflection) ? std::clamp(deflection, kLeast, kMost) : kMost;
@@ -110,21 +131,23 @@ void PartMesh::collect(const TopoDS_Shape& shape, const Style& inherited)
     }
 }
 
-// False when the library fails. Memory is not its to fail on: there is a limit to that.
 bool PartMesh::mesh(const Body& body, const Message_ProgressRange& range) const
 {
-    try {
+    return unlessItFails([&] {
         IMeshTools_Parameters parameters;
         parameters.Deflection = deflection_;
         parameters.Angle = tessellation_.degrees * kPi / 180;
         const TopoDS_Shape shape = body.shapes.size() == 1 ? body.shapes[0] : compoundOf(body.shapes);
         const BRepMesh_IncrementalMesh mesher(shape, parameters, range);
-        return true;
-    } catch (const Standard_OutOfMemory&) {
-        throw;
-    } catch (const Standard_Failure&) {
-        return false;
-    }
+    });
+}
+
+bool PartMesh::fill(const TopoDS_Face& face, uoTempFaceTessData_c& result)
+{
+    const bool isDone = unlessItFails([&] { faces_.fill(face, result); });
+    if (!isDone)
+        result.stripCount = 0;
+    return result.stripCount != 0;
 }
 
 uoTempFaceTessData_c* PartMesh::makeFace(const TopoDS_Face& face, const Style& style, bool isMeshed)
@@ -137,13 +160,9 @@ uoTempFaceTessData_c* PartMesh::makeFace(const TopoDS_Face& face, const Style& s
         result->faceVizProps[0] = visual;
         result->vizPropModes[0] = VizPropMode_none;
     }
-    try {
-        if (isMeshed && style.visible)
-            faces_.fill(face, *result);
-    } catch (const Standard_OutOfMemory&) {
-        throw;
-    } catch (const Standard_Failure&) {
-        result->stripCount = 0;
+    if (style.visible) {
+        isFilled_ = (isMeshed && fill(face, *result)) || isFilled_;
+        hasShown_ = true;
     }
     return result;
 }

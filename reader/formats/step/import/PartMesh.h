@@ -23,6 +23,8 @@ public:
     uoTempPartTessData_c* make(const TDF_LabelSequence& labels, bool isShown,
                                const Message_ProgressRange& range);
     Appearances& appearances() { return appearances_; }
+    /// There are faces to show in what was made so far, and none of them got a triangle.
+    bool isNothingToSee() const { return hasShown_ && !isFilled_; }
 
 private:
     struct Style {
@@ -38,6 +40,8 @@ private:
     void takeStyles(const TDF_Label& label);
     Style styleOf(const TopoDS_Shape& shape, const Style& inherited) const;
     void collect(const TopoDS_Shape& shape, const Style& inherited);
+    // Both false when the library fails.
+    bool fill(const TopoDS_Face& face, uoTempFaceTessData_c& result);
     bool mesh(const Body& body, const Message_ProgressRange& range) const;
     uoTempBodyTessData_c* makeBody(const Body& body, bool isMeshed);
     void addFaces(const TopoDS_Shape& shape, const Style& inherited, bool isMeshed,
@@ -51,6 +55,8 @@ private:
     FaceMesh faces_;
     Handle(XCAFDoc_ColorTool) colours_;
     uoBodyPropInfo_c* hidden_ = nullptr;
+    bool hasShown_ = false;
+    bool isFilled_ = false;
     // Of the part at hand.
     Styles styles_;
     std::vector<Body> bodies_;

@@ -23,6 +23,13 @@ namespace {
 // Share of the import at which all is meshed; what is left is the writing.
 constexpr double kMeshed = 0.95;
 
+// A file that says of ever more levels that they are there twice has more occurrences than any memory
+// holds. So many are fine whatever the file; beyond that, each needs some bytes of it.
+std::uint64_t mostOccurrences(std::uint64_t bytes)
+{
+    return std::max<std::uint64_t>(65536, bytes / 16);
+}
+
 std::wstring nameOf(const TDF_Label& label)
 {
     Handle(TDataStd_Name) name;
@@ -161,6 +168,7 @@ public:
         : parts_(parts),
           document_(document),
           stem_(cleanName(platform::fromUtf8(request.stem))),
+          left_(mostOccurrences(model.bytes)),
           colours_(XCAFDoc_DocumentTool::ColorTool(model.document->Main())),
           usages_(colours_)
     {
@@ -214,6 +222,8 @@ private:
     {
         OccurrenceNumbers numbers;
         for (const TDF_Label& label : labels) {
+            if (left_-- == 0)
+                throw Refusal{"the file has more occurrences than its size explains"};
             const TDF_Label product = productOf(label);
             Level level;
             level.name = tokenNameOf(label, product);
@@ -285,6 +295,7 @@ private:
     PartMesh& parts_;
     PreparedDocument& document_;
     std::wstring stem_;
+    std::uint64_t left_;  ///< Occurrences that may still come.
     Handle(XCAFDoc_ColorTool) colours_;
     Usages usages_;
     NCollection_DataMap<TDF_Label, bool, TDF_LabelMapHasher> seen_;
@@ -358,6 +369,8 @@ void makeDocument(const Model& model, const ImportRequest& request, HostLink& li
         AssemblyWalk walk(model, request, parts, document);
         makeAssembly(topComponents(top), walk, parts, range, document);
     }
+    if (parts.isNothingToSee())
+        throw Refusal{"nothing in the file could be meshed"};
 }
 
 }  // namespace ovdl::step
