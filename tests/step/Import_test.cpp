@@ -17,6 +17,7 @@
 #include <gp_Ax1.hxx>
 #include <map>
 #include <set>
+#include <sstream>
 
 #include "OcctModel.h"
 #include "Triangles.h"
@@ -33,6 +34,16 @@ constexpr double kPi = 3.141592653589793;
 TopoDS_Shape box(double x, double y, double z)
 {
     return BRepPrimAPI_MakeBox(x, y, z).Shape();
+}
+
+constexpr double kBall[] = {5, 7, 9};
+constexpr char kBallsCentre[] = "(5.,7.,9.)";
+// So far away that no single precision number says where.
+constexpr char kFarCentre[] = "(1.E99,7.,9.)";
+
+TopoDS_Shape ball()
+{
+    return BRepPrimAPI_MakeSphere(gp_Pnt(kBall[0], kBall[1], kBall[2]), 1).Shape();
 }
 
 TopoDS_Compound compoundOf(std::initializer_list<TopoDS_Shape> shapes)
@@ -511,6 +522,44 @@ TEST_F(StepImport, ReadsIgesAsOnePart)
     EXPECT_NEAR(boxOf(outcome).max[2], 0.03, 1e-8);
 }
 
+TEST_F(StepImport, GivesFacesOfIgesTheNumbersOfTheirDirectoryEntries)
+{
+    ModelBuilder model;
+    model.part("thing", box(10, 20, 30));
+    path_ = folder_ / "model.igs";
+    model.writeIges(path_);
+    const auto outcome = readPath();
+    // The type stands in front of the line, the number of the line behind its letter.
+    std::map<int, int> types;
+    std::istringstream lines(readFile(path_));
+    for (std::string line; std::getline(lines, line);)
+        if (line.size() >= 80 && line[72] == 'D')
+            types[std::stoi(line.substr(73))] = std::stoi(line.substr(0, 8));
+    constexpr int kTrimmedSurface = 144;
+    std::set<int> keys;
+    for (const auto* face : facesOf(partIn(outcome))) {
+        EXPECT_EQ(types[face->faceKey], kTrimmedSurface);
+        keys.insert(face->faceKey);
+    }
+    EXPECT_EQ(keys.size(), 6u);
+}
+
+TEST_F(StepImport, NumbersFacesTheSameHoweverFineTheyAre)
+{
+    const auto idsWith = [&](const char* text) {
+        const ScopedVariable variable("RAYLUME_TESSELLATION", text);
+        const auto outcome =
+            readPart(compoundOf({BRepPrimAPI_MakeTorus(30, 10).Shape(), box(10, 20, 30), ball()}));
+        std::vector<std::pair<int, int>> ids;
+        for (const auto* face : facesOf(partIn(outcome)))
+            ids.emplace_back(face->faceId, face->faceKey);
+        return ids;
+    };
+    const auto ids = idsWith("0.1,60");
+    EXPECT_EQ(ids.size(), 8u);
+    EXPECT_EQ(idsWith("0.0005,5"), ids);
+}
+
 TEST_F(StepImport, MakesFinerFacesOnRequest)
 {
     const auto verticesWith = [&](const char* text) {
@@ -534,6 +583,10 @@ TEST_F(StepImport, TellsProgressUpToTheEnd)
     ASSERT_GT(context.shares.size(), 10u);
     EXPECT_TRUE(std::is_sorted(context.shares.begin(), context.shares.end()));
     EXPECT_LT(context.shares.front(), 0.3f);
+    // While it is meshed, too.
+    EXPECT_GE(std::count_if(context.shares.begin(), context.shares.end(),
+                            [](float share) { return share > 0.56f && share < 0.89f; }),
+              10);
     EXPECT_GT(context.shares.back(), 0.94f);
     EXPECT_LE(context.shares.back(), 1.0f);
 }
@@ -575,16 +628,6 @@ TEST_F(StepImport, ReadsNumbersTheSameInEveryLocale)
     const auto outcome = readPart(box(0.5, 0.25, 0.125));
     std::setlocale(LC_ALL, before.c_str());
     EXPECT_NEAR(boxOf(outcome).max[2], 0.000125, 1e-10);
-}
-
-// A ball so far away that no single precision number says where.
-constexpr double kBall[] = {5, 7, 9};
-constexpr char kBallsCentre[] = "(5.,7.,9.)";
-constexpr char kFarCentre[] = "(1.E99,7.,9.)";
-
-TopoDS_Shape ball()
-{
-    return BRepPrimAPI_MakeSphere(gp_Pnt(kBall[0], kBall[1], kBall[2]), 1).Shape();
 }
 
 TEST_F(StepImport, LosesNoMoreThanTheBodiesOnWhichTheMesherFails)
@@ -636,11 +679,17 @@ TEST_F(StepImport, TakesNamesInEightBitsForWesternOnes)
     ModelBuilder model;
     const auto root = model.assembly("root");
     model.add(root, model.part("Escaped", box(1, 1, 1)), moved(1, 0, 0));
-    model.add(root, model.part("Raw", box(1, 1, 1)), moved(2, 0, 0));
+    model.add(root, model.part("Middle", box(1, 1, 1)), moved(2, 0, 0));
+    model.add(root, model.part("Ends", box(1, 1, 1)), moved(3, 0, 0));
+    model.add(root, model.part("Row", box(1, 1, 1)), moved(4, 0, 0));
     model.writeStep(path_);
     replace("'Escaped'", "'\\X2\\00D6\\X0\\l'");
-    replace("'Raw'", "'Schl\xFCssel'");
-    EXPECT_THAT(pathsOf(readPath()), ElementsAre("\xC3\x96l-1@model", "Schl\xC3\xBCssel-1@model"));
+    replace("'Middle'", "'Schl\xFCssel'");
+    replace("'Ends'", "'\xC9t\xE9'");
+    replace("'Row'", "'cr\xE9\xE9 \xE0\xA0\xBF'");
+    EXPECT_THAT(pathsOf(readPath()),
+                ElementsAre("\xC3\x96l-1@model", "Schl\xC3\xBCssel-1@model", "\xC3\x89t\xC3\xA9-1@model",
+                            "cr\xC3\xA9\xC3\xA9 \xC3\xA0\xC2\xA0\xC2\xBF-1@model"));
 }
 
 // A solid that stands in its product by way of a mapped item: turned half round z, and moved.
