@@ -4,8 +4,6 @@
 #include <IGESData_IGESModel.hxx>
 #include <Interface_Check.hxx>
 #include <Interface_CheckIterator.hxx>
-#include <Interface_CheckTool.hxx>
-#include <Interface_HGraph.hxx>
 #include <Interface_Static.hxx>
 #include <STEPCAFControl_ExternFile.hxx>
 #include <STEPCAFControl_Reader.hxx>
@@ -19,6 +17,7 @@
 #include <XCAFDoc_ShapeTool.hxx>
 #include <XSControl_TransferReader.hxx>
 #include <XSControl_WorkSession.hxx>
+#include <filesystem>
 #include <fstream>
 
 #include "reader/formats/step/FileStart.h"
@@ -161,8 +160,10 @@ FileKind kindOf(const std::string& path)
 
 }  // namespace
 
-Model readModel(const std::string& path, HostLink& link)
+Model readModel(const std::string& given, HostLink& link)
 {
+    // Files that are named by others are found from absolute paths only.
+    const std::string path = std::filesystem::absolute(given).string();
     const FileKind kind = kindOf(path);
     link.beginStep(kLoaded);
     switch (kind) {
