@@ -1,10 +1,11 @@
 // What people may write as JSON, and how they learn what is wrong.
 #include "reader/formats/ovdl/JsonText.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <ovdl_schema/document_generated.h>
 #include <bit>
+#include <vector>
 
 #include "reader/formats/ovdl/Refusal.h"
 #include "tests/ovdl/JsonTools.h"
@@ -81,6 +82,34 @@ TEST(JsonReading, NumbersGoStraightToTheirOwnType)
     const auto streams = read(with("{\"decals\":[{\"mappingScalar\":1.00000017881393432617187500001}]}"));
     EXPECT_EQ(std::bit_cast<std::uint32_t>(documentOf(*streams).decals()->Get(0)->mappingScalar()),
               0x3F800002u);
+}
+
+TEST(JsonReading, WhatIsTooSmallForAFloatIsZero)
+{
+    const auto streams =
+        read(with("{\"decals\":[{\"mappingScalar\":-1e-46}, {\"mappingScalar\":1.4e-45}]}"));
+    const auto& decals = *documentOf(*streams).decals();
+    EXPECT_EQ(std::bit_cast<std::uint32_t>(decals.Get(0)->mappingScalar()), 0x80000000u);
+    EXPECT_EQ(std::bit_cast<std::uint32_t>(decals.Get(1)->mappingScalar()), 1u);
+}
+
+// However they are written: digits and exponent together say how large a number is.
+TEST(JsonReading, SmallAndLargeNumbersAreToldApart)
+{
+    const std::string zeros(400, '0');
+    const std::vector<std::string> small = {"0." + zeros + "1", "0." + zeros + zeros + "1e+400", "1e-400",
+                                            "1" + zeros + "e-800", "5.0E-324000"};
+    for (const std::string& number : small) {
+        const auto streams = read(light("\"sourceHaze\": " + number));
+        EXPECT_EQ(documentOf(*streams).lights()->Get(0)->sourceHaze(), 0.0) << number;
+    }
+    const std::vector<std::string> large = {"1" + zeros,          "-1" + zeros,
+                                            "1" + zeros + "e-50", "0." + zeros + "1e800",
+                                            "0.1e+400",           "1e99999999999999999999"};
+    for (const std::string& number : large)
+        EXPECT_THAT(reasonFor(light("\"sourceHaze\": " + number)),
+                    testing::HasSubstr("is beyond what \"sourceHaze\" can hold"))
+            << number;
 }
 
 struct RealCase {
