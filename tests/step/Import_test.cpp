@@ -657,6 +657,13 @@ TEST_F(ExternalFile, IsReadBesideTheDocument)
     EXPECT_THAT(shown(), testing::UnorderedElementsAre(kBack, kFront));
 }
 
+TEST_F(ExternalFile, IsReadByARelativePathToo)
+{
+    path_ = std::filesystem::relative(path_).string();
+    ASSERT_NE(path_.front(), '/');
+    EXPECT_THAT(shown(), testing::UnorderedElementsAre(kBack, kFront));
+}
+
 TEST_F(ExternalFile, IsReadBelowTheDocument)
 {
     folder_.makeFolder("inside/below");

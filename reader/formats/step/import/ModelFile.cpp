@@ -4,8 +4,6 @@
 #include <IGESData_IGESModel.hxx>
 #include <Interface_Check.hxx>
 #include <Interface_CheckIterator.hxx>
-#include <Interface_CheckTool.hxx>
-#include <Interface_HGraph.hxx>
 #include <Interface_Static.hxx>
 #include <STEPCAFControl_ExternFile.hxx>
 #include <STEPCAFControl_Reader.hxx>
@@ -19,6 +17,7 @@
 #include <XCAFDoc_ShapeTool.hxx>
 #include <XSControl_TransferReader.hxx>
 #include <XSControl_WorkSession.hxx>
+#include <filesystem>
 #include <fstream>
 
 #include "reader/formats/step/FileStart.h"
@@ -41,9 +40,8 @@ std::string firstFail(Interface_CheckIterator checks)
 
 void checkLoad(const Handle(XSControl_WorkSession) & session)
 {
-    // The fails that the session's own list has, without its warnings, which cost more.
-    Interface_CheckTool tool(session->HGraph());
-    const Interface_CheckIterator checks = tool.CheckList();
+    // The session's own list: what the reading of each entity left is in no other.
+    const Interface_CheckIterator checks = session->ModelCheckList();
     if (!checks.IsEmpty(Standard_True))
         throw Refusal{"the load check fails: " + firstFail(checks)};
 }
@@ -154,8 +152,10 @@ FileKind kindOf(const std::string& path)
 
 }  // namespace
 
-Model readModel(const std::string& path, HostLink& link)
+Model readModel(const std::string& given, HostLink& link)
 {
+    // Files that are named by others are found from absolute paths only.
+    const std::string path = std::filesystem::absolute(given).string();
     const FileKind kind = kindOf(path);
     link.beginStep(kLoaded);
     switch (kind) {
