@@ -528,6 +528,25 @@ TEST(Convert, LooksWhetherItMayWriteBeforeItReads)
     EXPECT_FALSE(isRead);
 }
 
+// The path as it is understood is that of another file.
+TEST(Outputs, WhosePathIsNotUtf8AreRefused)
+{
+    const Folder folder;
+    const Prepared document("/prepared/box.asm", fillAssembly);
+    for (const char* command : {"convert", "export"})
+        for (const std::string bytes : {"\xFF", "\xC3", "\xED\xA0\x80", "\xC0\xAF"}) {
+            const std::string end = command == std::string("convert") ? ".ovdl" : ".glb";
+            const Said said = run({command, document.path(), folder / ("o" + bytes + end)});
+            EXPECT_EQ(said.status, 1) << command;
+            EXPECT_EQ(said.out, "") << command;
+            EXPECT_EQ(lines(said.err), 1) << said.err;
+            EXPECT_THAT(said.err, HasSubstr("the file cannot be written (its path is not UTF-8)"));
+        }
+    EXPECT_THAT(folder.entries(), IsEmpty());
+    EXPECT_EQ(run({"convert", document.path(), folder / "\xC3\xBC\xEF\xBF\xBD.ovdl"}).status, 0);
+    EXPECT_THAT(folder.entries(), ElementsAre("\xC3\xBC\xEF\xBF\xBD.ovdl"));
+}
+
 TEST(Convert, DrawsAndErasesProgressOnATerminal)
 {
     const Folder folder;
