@@ -6,10 +6,11 @@
 
 namespace ovdl {
 
-/// The reason in one line of UTF-8.
 class Refusal : public std::runtime_error {
 public:
-    using std::runtime_error::runtime_error;
+    /// The reason may quote any bytes of a document: what() gives it as one line of UTF-8, cut when it is
+    /// very long.
+    explicit Refusal(const std::string& reason);
 };
 
 [[noreturn]] inline void refuse(const std::string& reason)
