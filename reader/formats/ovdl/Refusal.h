@@ -6,10 +6,12 @@
 
 namespace ovdl {
 
+/// Any text as one line of true UTF-8, which a reason is.
+std::string reasonLine(std::wstring text);
+
 class Refusal : public std::runtime_error {
 public:
-    /// The reason may quote any bytes of a document: what() gives it as one line of UTF-8, cut when it is
-    /// very long.
+    /// The reason may quote any bytes of a document: what() gives it as one line of true UTF-8.
     explicit Refusal(const std::string& reason);
 };
 
