@@ -498,15 +498,26 @@ TEST(Convert, TellsWhyThereIsNoDocument)
 TEST(Convert, TellsWhyADocumentIsRejected)
 {
     const Folder folder;
+    const std::string damaged = folder / "bad.json";
+    std::ofstream(damaged) << "{\"ovdl\":1,";
+    const Said said = run({"convert", damaged, folder / "o.ovdl"});
+    EXPECT_EQ(said.status, 1);
+    EXPECT_THAT(said.err,
+                StartsWith("raylume-dl: " + damaged + ": not converted: the document is rejected ("));
+    EXPECT_THAT(folder.entries(), ElementsAre("bad.json"));
+}
+
+TEST(Convert, KeepsADocumentThatSaysThatItIsRejected)
+{
+    const Folder folder;
     const Prepared document("/prepared/bad.asm", [](DocumentBuilder& builder) {
         fillAssembly(builder);
         builder.document().rejected = true;
         builder.document().reason = "too\nold";
     });
     const Said said = run({"convert", document.path(), folder / "o.ovdl"});
-    EXPECT_EQ(said.status, 1);
-    EXPECT_EQ(said.err,
-              "raylume-dl: /prepared/bad.asm: not converted: the document is rejected (too old)\n");
+    EXPECT_EQ(said.status, 0) << said.err;
+    EXPECT_THAT(run({"info", folder / "o.ovdl"}).err, HasSubstr("too old"));
 }
 
 TEST(Convert, LooksWhetherItMayWriteBeforeItReads)
