@@ -2,6 +2,7 @@
 // formats/.
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <string>
@@ -44,6 +45,8 @@ public:
     virtual std::vector<std::wstring> configurationNames() { return {}; }
     /// What ReadFile gives for a document that is neither rejected nor cancelled.
     virtual OVXDLReader_FileLoadResult result() const { return OVXDLReader_Loaded; }
+    /// The version of the display lists; 0 for none.
+    virtual std::uint32_t displayListVersion() const { return 0; }
 };
 
 /// How a read ended.

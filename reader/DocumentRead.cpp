@@ -129,7 +129,8 @@ DocumentReadResult rejectedResult(ReadOutcome outcome)
     DocumentReadResult result;
     result.result = OVXDLReader_Rejected;
     result.document = std::move(outcome.document);
-    if (!result.document)
+    result.isWhole = result.document != nullptr;
+    if (!result.isWhole)
         result.document = std::make_unique<EmptyDocument>(true);
     result.reason = outcome.reason.empty() ? "the document was rejected" : std::move(outcome.reason);
     return result;
@@ -148,6 +149,7 @@ DocumentReadResult loadedResult(ReadOutcome outcome)
     DocumentReadResult result;
     result.result = outcome.document->result();
     result.document = std::move(outcome.document);
+    result.isWhole = true;
     return result;
 }
 

@@ -13,6 +13,8 @@ struct DocumentReadResult {
     OVXDLReader_FileLoadResult result = OVXDLReader_Loaded;
     std::unique_ptr<ReadDocument> document;
     std::uint32_t version = kForeignDocumentVersion;
+    /// False: the document is the empty one. A format may give one that says itself that it is rejected.
+    bool isWhole = false;
     std::string reason;  ///< Set exactly if the document was rejected.
 };
 

@@ -67,6 +67,8 @@ public:
     OVXDLReader_FileLoadResult result = OVXDLReader_Loaded;
     /// The one-line reason that lastReason() gives when the document is rejected or not openable.
     std::string reason;
+    /// The version of the display lists; 0 for none. Written documents tell it (DocumentWriter.h).
+    std::uint32_t displayListVersion = 0;
 
 private:
     std::vector<std::shared_ptr<void>> owned_;

@@ -12,6 +12,32 @@
 #include "reader/FormatRegistry.h"
 #include "reader/HostState.h"
 
+namespace ovdl {
+namespace {
+
+// What storages answer for the versions of a document.
+struct FileVersions {
+    unsigned long document = kVersionWithoutHeader;
+    unsigned long displayLists = kDLVersionWithoutHeader;
+};
+
+FileVersions versionsOf(const std::optional<DocumentHeader>& header)
+{
+    return header ? FileVersions{header->documentVersion, header->displayListVersion} : FileVersions();
+}
+
+// Of any file; no more than its start is looked at when it is no compound file.
+FileVersions versionsOf(const std::wstring& path)
+{
+    platform::Reference<IStorage> root;
+    if (platform::openCompoundFile(path, false, root.out()) < 0)
+        return FileVersions();
+    return versionsOf(readHeader(*root.get()));
+}
+
+}  // namespace
+}  // namespace ovdl
+
 namespace {
 
 // Says whether a load of that path would get a document, and holds no file while it waits to be
@@ -27,9 +53,20 @@ public:
         return *answer_ ? 1 : 0;
     }
 
+    unsigned long loadVersion() const override { return versions().document; }
+    unsigned long loadDLVersion() const override { return versions().displayLists; }
+
 private:
+    const ovdl::FileVersions& versions() const
+    {
+        if (!versions_)
+            versions_ = ovdl::versionsOf(path_);
+        return *versions_;
+    }
+
     std::wstring path_;
     mutable std::optional<bool> answer_;
+    mutable std::optional<ovdl::FileVersions> versions_;
 };
 
 // Callers never release a probe, so the reader keeps them until it is sure that none is in use.
@@ -109,7 +146,7 @@ public:
     {
         const HResult result = platform::openCompoundFile(path, writable, root.out());
         if (result >= 0) {
-            header = ovdl::readHeader(*root.get());
+            versions = ovdl::versionsOf(ovdl::readHeader(*root.get()));
             open = true;
             ovdl::setLastReason("");
         } else if (staysClosed(result, writable)) {
@@ -121,7 +158,7 @@ public:
 
     platform::Reference<IStorage> root;
     platform::Reference<IStorage> sub;
-    std::optional<ovdl::DocumentHeader> header;
+    ovdl::FileVersions versions;
     bool open = false;
 
 private:
@@ -190,10 +227,10 @@ void suStructuredStorage::endOpen()
 
 unsigned long suStructuredStorage::loadVersion() const
 {
-    return state_->header ? state_->header->documentVersion : ovdl::kVersionWithoutHeader;
+    return state_->versions.document;
 }
 
 unsigned long suStructuredStorage::loadDLVersion() const
 {
-    return state_->header ? state_->header->displayListVersion : ovdl::kDLVersionWithoutHeader;
+    return state_->versions.displayLists;
 }

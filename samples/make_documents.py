@@ -157,7 +157,7 @@ def value_text(value, indent):
     if isinstance(value, bool) or not isinstance(value, (int, float)):
         return json.dumps(value, ensure_ascii=False)
     if isinstance(value, float) and not isinstance(value, Single) and value.is_integer() and abs(value) < 1e6:
-        return repr(int(value)) if math.copysign(1, value) > 0 or value != 0 else "-0"
+        return repr(int(value)) if math.copysign(1, value) > 0 or value != 0 else "-0.0"
     return number_text(value)
 
 
@@ -599,12 +599,11 @@ def lamp_lights(d, joint, look):
         packedColour=packed((255, 250, 235)), sourceVectorA=[0.25, 0.9, 0.35], sourceVectorB=[0.0, 0.0, -1.0],
         sourceVectorC=[48.2, 16.4, 0.0],
     )
-    # Switched off, and neither of the two options.
-    d.add("lights", lightType=4, sourceOptionA=2, lightIndex=4, packedColour=packed((128, 160, 255)), sourceVectorB=[0.0, 0.0, 1.0])
-    # An aimed one that points straight down.
+    # Two of types that mean nothing to most hosts, which get a direction of them. The first is switched off.
+    d.add("lights", lightType=1, sourceOptionA=2, lightIndex=4, packedColour=packed((128, 160, 255)), sourceVectorA=[0.0, 0.0, 1.0])
     d.add(
-        "lights", lightType=2, sourceEnabled=2, sourceOptionB=1, sourceStamp=stamp(0.5, "<d"), lightIndex=5,
-        packedColour=packed((255, 200, 120)), sourceVectorB=[0.3, 0.6, 0.1], sourceVectorC=[0.3, 0.0, 0.1], sourceShapeB=20.0,
+        "lights", lightType=5, sourceEnabled=2, sourceOptionB=1, lightIndex=5, packedColour=packed((255, 200, 120)),
+        sourceVectorA=[0.3, 0.6, 0.1],
     )
     return list(range(6))
 

@@ -14,9 +14,11 @@ list(FILTER files EXCLUDE REGEX "\\.json$")
 file(COPY ${files} DESTINATION ${FOLDER})
 
 file(READ ${SOURCE}/${NAME}.json text)
+# Escaped for JSON, and then once more for the text that a regular expression puts in.
 string(REPLACE "\\" "\\\\" place "${FOLDER}/")
 string(REPLACE "\"" "\\\"" place "${place}")
-string(REPLACE "\"maskFileName\": \"" "\"maskFileName\": \"${place}" text "${text}")
+string(REPLACE "\\" "\\\\" place "${place}")
+string(REGEX REPLACE "\"maskFileName\"[ \t\r\n]*:[ \t\r\n]*\"([^\"])" "\"maskFileName\": \"${place}\\1" text "${text}")
 file(WRITE ${FOLDER}/${NAME}.json "${text}")
 
 run(${TOOL} convert ${FOLDER}/${NAME}.json ${FOLDER}/${NAME}.ovdl)

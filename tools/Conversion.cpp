@@ -9,8 +9,12 @@ namespace tool {
 
 bool isConversionTarget(const std::string& path)
 {
-    const std::wstring lower = platform::toLower(platform::fromUtf8(path));
-    return lower.ends_with(L".ovdl") || lower.ends_with(L".json");
+    return isJsonTarget(path) || platform::toLower(platform::fromUtf8(path)).ends_with(L".ovdl");
+}
+
+bool isJsonTarget(const std::string& path)
+{
+    return platform::toLower(platform::fromUtf8(path)).ends_with(L".json");
 }
 
 std::string convert(const ConversionRequest& request)

@@ -16,6 +16,9 @@ struct ConversionRequest {
 /// True for a path with one of the endings that tell what is written.
 bool isConversionTarget(const std::string& path);
 
+/// True for one of these paths that becomes JSON.
+bool isJsonTarget(const std::string& path);
+
 /// Empty when all of it was written, else one line that says why not: "cancelled" after an interrupt. An
 /// Interruption has to be alive for it to be cancelled. Raises std::bad_alloc.
 std::string convert(const ConversionRequest& request);

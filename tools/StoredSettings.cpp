@@ -2,6 +2,7 @@
 
 #include <new>
 
+#include "raylume/platform/CompoundFile.h"
 #include "raylume/platform/Errors.h"
 #include "raylume/platform/Folders.h"
 #include "raylume/platform/Text.h"
@@ -103,6 +104,23 @@ StoredSettings readSettings(const std::string& document)
         settings.failure = notOpened(document, error.what());
     }
     return settings;
+}
+
+bool hasStoredSettings(const std::string& document)
+{
+    struct Release {
+        void operator()(IStorage* storage) const { storage->Release(); }
+    };
+    using Storage = std::unique_ptr<IStorage, Release>;
+    IStorage* opened = nullptr;
+    if (platform::openCompoundFile(platform::fromUtf8(document), false, &opened) < 0)
+        return false;
+    const Storage root(opened);
+    IStorage* store = nullptr;
+    if (root->OpenStorage(L"ThirdPtyStore", kModeRead + kModeExclusive, &store) < 0)
+        return false;
+    const Storage released(store);
+    return true;
 }
 
 }  // namespace tool

@@ -27,4 +27,8 @@ struct StoredSettings {
 /// `document` is the path in UTF-8. Whatever reading raises becomes a failure, but std::bad_alloc.
 StoredSettings readSettings(const std::string& document);
 
+/// True for a compound file in which an add-in keeps something, whatever it is. Reads none of it, and so
+/// unpacks nothing. `document` is the path in UTF-8.
+bool hasStoredSettings(const std::string& document);
+
 }  // namespace tool

@@ -219,6 +219,9 @@ private:
 
     void refuseUnwritable()
     {
+        // Another file than was asked for would be written.
+        if (platform::toUtf8(platform::fromUtf8(options_.output)) != options_.output)
+            refuseOutput("its path is not UTF-8");
         const std::string obstacle = whyNotWritable(output());
         if (!obstacle.empty())
             refuseOutput(obstacle);
@@ -227,12 +230,17 @@ private:
     int convertTo()
     {
         refuseUnwritable();
+        // Asked before: the document may be what is written over.
+        const bool losesSettings = isJsonTarget(options_.output) && hasStoredSettings(options_.document);
         const std::string failure = convert(
             {options_.document, options_.output, options_.configuration, terminal_ ? &err_ : nullptr});
-        if (failure.empty())
-            return kModelLoaded;
-        say(err_, failure);
-        return kNoModel;
+        if (!failure.empty()) {
+            say(err_, failure);
+            return kNoModel;
+        }
+        if (losesSettings)
+            say(err_, "settings that are stored in the document are not part of the JSON");
+        return kModelLoaded;
     }
 
     std::string output() const { return nativePath(options_.output); }

@@ -11,11 +11,11 @@ namespace platform {
 /// identifiers and times of storages are copied too. The two may be storages of one tree, even one inside
 /// the other.
 ///
-/// Errors: kStorageNotFound, kStorageAccessDenied (`to` was opened for reading), kStorageInvalidName (a
-/// name
-///   that a new element cannot have), kStorageReverted, kStorageTooLarge (too many elements, or too deep),
-///   kStorageCorrupt and kStorageReadFault (a damaged stream), kStorageInvalidPointer, kStorageOutOfMemory,
-///   kNotImplemented (a storage that is not of this library). After a failure `to` is as it was.
+/// Errors: kStorageNotFound, kStorageAccessDenied (`to` was opened for reading), kStorageInvalidName
+///   (a name that a new element cannot have), kStorageReverted, kStorageTooLarge (too many elements, or
+///   too deep), kStorageCorrupt and kStorageReadFault (a damaged stream), kStorageInvalidPointer,
+///   kStorageOutOfMemory, kNotImplemented (a storage that is not of this library). After a failure `to`
+///   is as it was.
 PLATFORM_API HResult copyElement(IStorage& from, const wchar_t* name, IStorage& to);
 
 }  // namespace platform

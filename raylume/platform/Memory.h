@@ -17,7 +17,10 @@ PLATFORM_API void prepareForFilling(void* block, std::size_t size);
 /// about to be made, as prepareForFilling() does for a large one. What they leave over goes back to the
 /// system with this object, or stays with the allocator.
 ///
-/// A hint: less than a few megabytes, and allocators of other kinds than the system's own, are left alone.
+/// Less than a few megabytes, and allocators of other kinds than the system's own, are left alone. With
+/// glibc it is more than a hint: the process's allocator keeps blocks of up to 24 MB in its heap from then
+/// on, where it would have mapped each by itself (the dynamic mmap threshold), as in any program that frees
+/// such a block.
 class PLATFORM_API PreparedHeap {
 public:
     explicit PreparedHeap(std::size_t size);

@@ -22,8 +22,8 @@ public:
     /// Stores the file in `file`; null when that fails.
     ///
     /// Errors: kStoragePathNotFound (no such folder), kStorageAccessDenied (also for what is no regular
-    /// file
-    ///   and for a write-protected one), others by what the system says.
+    ///   file, for a write-protected one, and for a folder that may not be written), others by what the
+    ///   system says.
     static HResult create(const std::wstring& path, std::unique_ptr<ReplacementFile>& file);
 
     ReplacementFile(const ReplacementFile&) = delete;

@@ -297,7 +297,6 @@ TEST_F(WrittenDocument, ConvertsBackAndForthWithoutADifference)
     EXPECT_THAT(differences(expected, contentsOf(read, expected)), IsEmpty());
 }
 
-// Prepared documents have none, so the header is changed in the file.
 TEST_F(WrittenDocument, KeepsTheDisplayListVersion)
 {
     write(place("a.ovdl"), *twoConfigurations());
@@ -341,7 +340,59 @@ TEST_F(WrittenDocument, NeedsADocumentThatOpens)
               "the document cannot be opened (there is no such file)");
 }
 
-TEST_F(WrittenDocument, NeedsADocumentThatIsNotRejected)
+TEST_F(WrittenDocument, NeedsADocumentThatCanBeRead)
+{
+    folder.write("damaged.json", "{\"ovdl\":1,\"document\":{\"part\":{\"rejected\":true}},");
+    EXPECT_THAT(whyNotConverted(place("damaged.json"), place("a.ovdl")),
+                testing::StartsWith("the document is rejected ("));
+    EXPECT_THAT(names(), ElementsAre("damaged.json"));
+}
+
+class RefusingCallbacks final : public OVDL_Callbacks {
+public:
+    int CheckVersions(int, int) override { return 0; }
+};
+
+// What is left of one is no document, though it says that it is rejected.
+TEST_F(WrittenDocument, NeedsADocumentThatTheHostAccepts)
+{
+    const Prepared source(L"/prepared/two.asm", twoConfigurations);
+    RefusingCallbacks callbacks;
+    SetOVDL_Callbacks(&callbacks);
+    EXPECT_EQ(whyNotConverted(source.path(), place("a.ovdl")),
+              "the document is rejected (the document's version 12345 was refused)");
+    SetOVDL_Callbacks(nullptr);
+    EXPECT_THAT(names(), IsEmpty());
+}
+
+/// Rejected by what it answers, not by what it holds.
+class RejectedByItsAnswer final : public OVDLAssemblyDocument {
+public:
+    bool isRejected() override { return true; }
+};
+
+std::unique_ptr<PreparedDocument> rejectedByItsAnswer()
+{
+    auto document = twoConfigurations();
+    auto assembly = std::make_unique<RejectedByItsAnswer>();
+    assembly->components = document->assembly->components;
+    document->assembly = std::move(assembly);
+    document->reason = "because";
+    return document;
+}
+
+void expectRejected(const std::wstring& path, const char* reason, const wchar_t* component)
+{
+    HostsRead read(path);
+    EXPECT_EQ(read.result, OVXDLReader_Rejected);
+    EXPECT_EQ(ovdl::lastReason(), reason);
+    ASSERT_NE(read.document.assemblyDocument, nullptr);
+    EXPECT_TRUE(read.document.assemblyDocument->isRejected());
+    EXPECT_THAT(read.components(), ElementsAre(component));
+    EXPECT_THAT(read.configuration(L"Stored"), ElementsAre(L"stored-1@t"));
+}
+
+TEST_P(EveryTarget, ConvertsADocumentThatSaysThatItIsRejected)
 {
     const Prepared source(L"/prepared/rejected.asm", [] {
         auto document = twoConfigurations();
@@ -349,14 +400,89 @@ TEST_F(WrittenDocument, NeedsADocumentThatIsNotRejected)
         document->reason = "too old";
         return document;
     });
-    EXPECT_EQ(whyNotConverted(source.path(), place("a.ovdl")), "the document is rejected (too old)");
+    convert(source.path(), place(GetParam().file));
+    expectRejected(place(GetParam().file), "too old", L"stored-1@t");
+    const std::wstring again = place("again-" + std::string(GetParam().file));
+    convert(place(GetParam().file), again, L"Open \u00e4");
+    expectRejected(again, "too old", L"open-1@t");
+}
+
+TEST_F(WrittenDocument, IsRejectedWhereTheSourceSaysSoWithoutAReason)
+{
     const Prepared quiet(L"/prepared/quiet.asm", [] {
         auto document = twoConfigurations();
         document->assembly->rejected = true;
         return document;
     });
-    EXPECT_EQ(whyNotConverted(quiet.path(), place("a.ovdl")), "the document is rejected");
+    convert(quiet.path(), place("a.ovdl"));
+    expectRejected(place("a.ovdl"), "the document says itself that it is rejected", L"stored-1@t");
+}
+
+TEST_F(WrittenDocument, ConvertsARejectedPartInJson)
+{
+    folder.write("a.json",
+                 "{\"ovdl\":1,\"document\":{\"part\":{\"rejected\":true},\"reason\":\"because\"}}");
+    convert(place("a.json"), place("b.ovdl"));
+    HostsRead read(place("b.ovdl"));
+    EXPECT_EQ(read.result, OVXDLReader_Rejected);
+    EXPECT_EQ(ovdl::lastReason(), "because");
+    ASSERT_NE(read.document.partDocument, nullptr);
+    EXPECT_TRUE(read.document.partDocument->isRejected());
+}
+
+TEST_P(EveryTarget, IsRejectedWhereTheObjectsAnswerSo)
+{
+    write(place(GetParam().file), *rejectedByItsAnswer());
+    expectRejected(place(GetParam().file), "because", L"stored-1@t");
+    const Prepared source(L"/prepared/answer.asm", rejectedByItsAnswer);
+    convert(source.path(), place(GetParam().file));
+    expectRejected(place(GetParam().file), "the document says itself that it is rejected", L"stored-1@t");
+    convert(source.path(), place(GetParam().file), L"Open \u00e4");
+    expectRejected(place(GetParam().file), "the document says itself that it is rejected", L"open-1@t");
+}
+
+TEST_P(EveryTarget, HasNoZeroCharacterInItsName)
+{
+    const std::wstring path = place(GetParam().file) + std::wstring(L"\0x.json", 7);
+    std::string reason;
+    EXPECT_FALSE(ovdl::writeDocument(path, *twoConfigurations(), reason));
+    EXPECT_EQ(reason, "the file cannot be written (its name has a zero character)");
+    const Prepared source(L"/prepared/two.asm", twoConfigurations);
+    EXPECT_EQ(whyNotConverted(source.path(), path), reason);
     EXPECT_THAT(names(), IsEmpty());
+}
+
+TEST_P(EveryTarget, MayBeBarredByItsPlaceOrItsFolder)
+{
+    std::filesystem::create_directory(folder / GetParam().file);
+    std::string reason;
+    EXPECT_FALSE(ovdl::writeDocument(place(GetParam().file), *twoConfigurations(), reason));
+    EXPECT_EQ(reason,
+              "the file cannot be written (it is no regular file, or it or its folder may not be written)");
+}
+
+TEST_F(WrittenDocument, TellsTheDisplayListVersionOfAPreparedOne)
+{
+    const auto withVersion = [] {
+        auto document = twoConfigurations();
+        document->displayListVersion = 77;
+        return document;
+    };
+    write(place("a.ovdl"), *withVersion());
+    const Prepared source(L"/prepared/two.asm", withVersion);
+    convert(source.path(), place("b.ovdl"));
+    for (const char* name : {"a.ovdl", "b.ovdl"}) {
+        const auto header = ovdl::readHeader(*openFile(folder / name).get());
+        ASSERT_TRUE(header.has_value());
+        EXPECT_EQ(header->documentVersion, 12345u);
+        EXPECT_EQ(header->displayListVersion, 77u);
+        CDispListsDoc document;
+        auto* probe =
+            suFileStorage::createStorage(place(name), 0, nullptr, nullptr, 0, 1, nullptr, nullptr);
+        EXPECT_EQ(probe->loadVersion(), 12345u);
+        EXPECT_EQ(probe->loadDLVersion(), 77u);
+        EXPECT_NE(probe->isOpen(), 0);
+    }
 }
 
 TEST_F(WrittenDocument, TellsProgressWhileItIsConverted)

@@ -780,6 +780,115 @@ TEST(Amplification, ByOneDecalOfManyFacesOnManyComponents)
     expectTooMuch(draft.buffers(), kModel);
 }
 
+void addConfiguration(Draft& draft, int number, std::vector<std::int32_t> components)
+{
+    auto configuration = std::make_unique<fb::ConfigurationT>();
+    configuration->name = draft.text(std::to_string(number));
+    configuration->components = std::move(components);
+    draft.document.configurations.push_back(std::move(configuration));
+}
+
+void expectReadQuickly(const Draft& draft)
+{
+    const Buffers buffers = draft.buffers();
+    const auto outcome = decodeQuickly(buffers);
+    EXPECT_EQ(outcome.kind, ReadOutcome::kRead) << outcome.reason;
+}
+
+// What a part has for all configurations is not walked for each of them.
+TEST(Amplification, ByTheDecalsOfAPartInManyConfigurations)
+{
+    Draft runs = manyComponents(3, 8000, true);
+    for (std::int32_t i = 0; i < 100000; ++i)
+        piece(runs).decalsByConfig.insert(piece(runs).decalsByConfig.end(), {i, 0});
+    expectReadQuickly(runs);
+
+    Draft list = manyComponents(3, 1000, true);
+    list.assembly().components.clear();
+    piece(list).decalsByConfig = {0, 500000};
+    piece(list).decalsByConfig.resize(500002, -1);
+    for (std::int32_t i = 0; i < 1000; ++i)
+        addConfiguration(list, i, {i});
+    expectReadQuickly(list);
+}
+
+// As the library looks them up: no configuration has the only list.
+TEST(Amplification, ByTheDecalsOfAPartCountsTheListInUse)
+{
+    Draft draft = manyComponents(3, 1, true);
+    draft.document.faceMappings.resize(10000);
+    draft.document.decals.push_back(std::make_unique<fb::DecalT>());
+    draft.document.decals[0]->faceMappings = std::make_unique<fb::Range>(0, 10000);
+    piece(draft).decalsByConfig = {7, 100};
+    piece(draft).decalsByConfig.resize(102, 0);
+    std::int32_t& configuration = draft.document.components[0]->configIndex;
+    expectReadQuickly(draft);
+    for (const std::int32_t inUse : {7, -1}) {
+        configuration = inUse;
+        expectTooMuch(draft.buffers(), kModel);
+    }
+    piece(draft).decalsByConfig.insert(piece(draft).decalsByConfig.end(), {8, 0});
+    expectReadQuickly(draft);
+}
+
+// A hash table of this many entries has that many buckets in one well-known standard library.
+TEST(Amplification, ByConfigurationsThatCollide)
+{
+    Draft draft = manyComponents(3, 50000, true);
+    for (std::uint32_t i = 0; i < 50000; ++i)
+        draft.document.components[i]->configIndex = static_cast<std::int32_t>(i * 85229);
+    for (int i = 0; i < 20; ++i)
+        addConfiguration(draft, i, draft.assembly().components);
+    expectReadQuickly(draft);
+}
+
+// Each face of a hidden body is asked for.
+TEST(Amplification, ByABodyHiddenInManyConfigurations)
+{
+    Draft draft = manyComponents(3, 1000, true);
+    fb::TessellationT& tessellation = piece(draft);
+    tessellation.propInfos = {fb::BodyPropInfo(0)};
+    tessellation.bodyRecords[0]->faces.assign(20000, 0);
+    for (std::int32_t i = 0; i < 1000; ++i)
+        tessellation.bodyRecords[0]->bodyPropInfos.insert(tessellation.bodyRecords[0]->bodyPropInfos.end(),
+                                                          {i, 0});
+    expectTooMuch(draft.buffers(), kModel);
+}
+
+// All bodies are looked at for each component that has decals.
+TEST(Amplification, ByManyBodiesUnderManyComponentsWithDecals)
+{
+    Draft draft = manyComponents(3, 20000, false);
+    piece(draft).bodies.assign(20000, -1);
+    expectReadQuickly(draft);
+    for (auto& component : draft.document.components)
+        component->decals = {-1};
+    expectTooMuch(draft.buffers(), kModel);
+}
+
+TEST(Amplification, ByOneLongPathInManyConfigurations)
+{
+    Draft draft = largePart(3);
+    draft.addComponent(std::string(4 << 20, 'a') + "/b", 0);
+    draft.assembly();
+    for (int i = 0; i < 200000; ++i)
+        addConfiguration(draft, i, {0});
+    expectReadQuickly(draft);
+}
+
+TEST(Amplification, ByOneLongPathBehindOthersInManyConfigurations)
+{
+    Draft draft = largePart(3);
+    const std::string above(4 << 20, 'a');
+    for (const char* last : {"/a/b", "/b/b", "/c/b"})
+        draft.addComponent(above + last, 0);
+    draft.assembly();
+    for (int i = 0; i < 200000; ++i)
+        addConfiguration(draft, i, {i % 2 + 1, 0});
+    const Buffers buffers = draft.buffers();
+    EXPECT_EQ(decodeQuickly(buffers).kind, ReadOutcome::kRejected);
+}
+
 TEST(Amplification, IsJustifiedByTheSizeOfALargerDocument)
 {
     Buffers buffers = manyComponents(10000, 1000, true).buffers();

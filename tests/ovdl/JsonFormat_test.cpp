@@ -44,6 +44,17 @@ ovdl::ReadOutcome read(const std::string& text, Context& context)
     return ovdl::makeOvdlJsonFormat()->read(platform::fromUtf8(folder.write("a.json", text)), context);
 }
 
+// A key may be anything, a reason is one line of UTF-8.
+TEST(JsonFormat, ReasonsAreTrueTextInOneLine)
+{
+    Context context;
+    const auto outcome = read("{\"ovdl\":1,\"\\ud800\\n\":1}", context);
+    EXPECT_EQ(outcome.kind, ovdl::ReadOutcome::kRejected);
+    EXPECT_NE(outcome.reason.find("\xEF\xBF\xBD"), std::string::npos) << outcome.reason;
+    EXPECT_EQ(platform::toUtf8(platform::fromUtf8(outcome.reason)), outcome.reason);
+    EXPECT_EQ(outcome.reason.find('\n'), std::string::npos);
+}
+
 struct RecognitionCase {
     const char* name;
     const char* file;

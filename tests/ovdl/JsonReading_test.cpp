@@ -1,10 +1,11 @@
 // What people may write as JSON, and how they learn what is wrong.
 #include "reader/formats/ovdl/JsonText.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <ovdl_schema/document_generated.h>
 #include <bit>
+#include <vector>
 
 #include "reader/formats/ovdl/Refusal.h"
 #include "tests/ovdl/JsonTools.h"
@@ -83,6 +84,34 @@ TEST(JsonReading, NumbersGoStraightToTheirOwnType)
               0x3F800002u);
 }
 
+TEST(JsonReading, WhatIsTooSmallForAFloatIsZero)
+{
+    const auto streams =
+        read(with("{\"decals\":[{\"mappingScalar\":-1e-46}, {\"mappingScalar\":1.4e-45}]}"));
+    const auto& decals = *documentOf(*streams).decals();
+    EXPECT_EQ(std::bit_cast<std::uint32_t>(decals.Get(0)->mappingScalar()), 0x80000000u);
+    EXPECT_EQ(std::bit_cast<std::uint32_t>(decals.Get(1)->mappingScalar()), 1u);
+}
+
+// However they are written: digits and exponent together say how large a number is.
+TEST(JsonReading, SmallAndLargeNumbersAreToldApart)
+{
+    const std::string zeros(400, '0');
+    const std::vector<std::string> small = {"0." + zeros + "1", "0." + zeros + zeros + "1e+400", "1e-400",
+                                            "1" + zeros + "e-800", "5.0E-324000"};
+    for (const std::string& number : small) {
+        const auto streams = read(light("\"sourceHaze\": " + number));
+        EXPECT_EQ(documentOf(*streams).lights()->Get(0)->sourceHaze(), 0.0) << number;
+    }
+    const std::vector<std::string> large = {"1" + zeros,          "-1" + zeros,
+                                            "1" + zeros + "e-50", "0." + zeros + "1e800",
+                                            "0.1e+400",           "1e99999999999999999999"};
+    for (const std::string& number : large)
+        EXPECT_THAT(reasonFor(light("\"sourceHaze\": " + number)),
+                    testing::HasSubstr("is beyond what \"sourceHaze\" can hold"))
+            << number;
+}
+
 struct RealCase {
     const char* name;
     const char* json;
@@ -93,6 +122,13 @@ const RealCase kReals[] = {
     {"an_exponent", "5E-1", 0x3FE0000000000000},
     {"minus_zero", "-0", 0x8000000000000000},
     {"minus_zero_with_a_point", "-0.0e+7", 0x8000000000000000},
+    {"less_than_the_smallest_is_zero", "1e-400", 0},
+    {"less_than_the_smallest_keeps_its_sign", "-12.5E-400", 0x8000000000000000},
+    {"less_than_half_of_the_smallest_is_zero", "2.4703282292062327e-324", 0},
+    {"more_than_half_of_the_smallest_is_the_smallest", "2.4703282292062329e-324", 1},
+    {"an_exponent_that_no_number_holds", "0.1e-99999999999999999999", 0},
+    {"zero_times_anything", "0e99999999999999999999", 0},
+    {"many_digits_and_an_exponent_that_takes_them_back", "1000000000000e-12", 0x3FF0000000000000},
     {"the_smallest", "4.9406564584124654e-324", 1},
     {"bits_of_a_nan", "\"0x7FF4000000000001\"", 0x7FF4000000000001},
     {"bits_of_any_number", "\"0x3fe0000000000000\"", 0x3FE0000000000000},

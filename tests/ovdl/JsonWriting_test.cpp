@@ -82,7 +82,7 @@ const LightCase kLights[] = {
     {"zero_that_is_no_default_is_written", [](fb::LightBuilder& light) { light.add_lightType(0); },
      "{\"lightType\": 0}"},
     {"minus_zero_differs_from_its_default", [](fb::LightBuilder& light) { light.add_sourceHaze(-0.0); },
-     "{\"sourceHaze\": -0}"},
+     "{\"sourceHaze\": -0.0}"},
     {"the_shortest_digits_of_a_double", [](fb::LightBuilder& light) { light.add_sourceHaze(0.1); },
      "{\"sourceHaze\": 0.1}"},
     {"as_many_digits_as_it_takes", [](fb::LightBuilder& light) { light.add_sourceHaze(1.0 / 3); },
@@ -112,7 +112,7 @@ const LightCase kLights[] = {
          const fb::Double3 vector{flatbuffers::make_span(v)};
          light.add_sourceVectorA(&vector);
      },
-     "{\"sourceVectorA\": [1, -0, 2.5]}"},
+     "{\"sourceVectorA\": [1, -0.0, 2.5]}"},
     {"a_struct_of_zeros_is_no_absent_one",
      [](fb::LightBuilder& light) {
          const fb::Double3 vector;
@@ -231,7 +231,7 @@ TEST(JsonWriting, RunsStandWhereTheyAreUsed)
     });
     EXPECT_EQ(
         jsonOf(document),
-        whole("{\"decals\": [\n   {\"faceMappings\": [{\"faceId\": 2, \"transU\": 0.5, \"transY\": -0, "
+        whole("{\"decals\": [\n   {\"faceMappings\": [{\"faceId\": 2, \"transU\": 0.5, \"transY\": -0.0, "
               "\"mirrored\": 1}, {}]},\n   {\"faceMappings\": []},\n   {}]}"));
 }
 

@@ -75,6 +75,17 @@ TEST(CreateStorage, DoesNotWaitForAPipe)
     EXPECT_EQ(create(pipe.wstring())->isOpen(), 0);
 }
 
+TEST(CreateStorage, TellsTheVersionsOfAnyFile)
+{
+    const TemporaryFolder folder;
+    CDispListsDoc document;
+    for (const auto& path :
+         {folder.path(), folder.path() / "no such file", folder.write("a.txt", "text")}) {
+        EXPECT_EQ(create(path.wstring())->loadVersion(), 10000u);
+        EXPECT_EQ(create(path.wstring())->loadDLVersion(), 0u);
+    }
+}
+
 TEST(CreateStorage, HoldsNoFileOnceItWasAsked)
 {
     const TemporaryFolder folder;
@@ -333,6 +344,12 @@ TEST_P(Header, TellsTheVersions)
     EXPECT_NE(storage.isOpen(), 0);
     EXPECT_EQ(storage.loadVersion(), GetParam().version);
     EXPECT_EQ(storage.loadDLVersion(), GetParam().dlVersion);
+    CDispListsDoc document;
+    const long before = openFiles();
+    const suFileStorage* probe = create(path);
+    EXPECT_EQ(probe->loadVersion(), GetParam().version);
+    EXPECT_EQ(probe->loadDLVersion(), GetParam().dlVersion);
+    EXPECT_EQ(openFiles(), before);
 }
 
 INSTANTIATE_TEST_SUITE_P(Rows, Header, testing::ValuesIn(kHeaders),

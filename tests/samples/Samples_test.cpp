@@ -171,7 +171,7 @@ TEST(DeskLamp, HasEveryTypeOfLight)
     std::multiset<int> types;
     for (const json& light : listOf("desk-lamp", "lights"))
         types.insert(light.value("lightType", 4));
-    EXPECT_THAT(types, testing::ElementsAre(2, 2, 3, 4, 4, 6));
+    EXPECT_THAT(types, testing::ElementsAre(1, 2, 3, 4, 5, 6));
 }
 
 TEST(DeskLamp, HasThreeConfigurationsOverSharedParts)
@@ -196,6 +196,72 @@ TEST(DeskLamp, KeepsItsSettingsWhenItIsConverted)
     const Finished second = run({"shaderdata", folder / "copy.ovdl", "--json"}, folder);
     EXPECT_EQ(second.exitStatus, 0) << second.err;
     EXPECT_EQ(normalised(json::parse(second.out)), normalised(json::parse(first.out)));
+}
+
+// JSON has no place for settings, and whoever loses them hears of it.
+TEST(DeskLamp, SaysThatJsonHasNoSettings)
+{
+    const Folder folder;
+    const auto convert = [&folder](const std::string& from, const std::string& to) {
+        const Finished finished = run({"convert", from, to}, folder);
+        EXPECT_EQ(finished.exitStatus, 0) << finished.err;
+        EXPECT_EQ(finished.out, "");
+        return finished.err;
+    };
+    const std::string line =
+        "raylume-dl: settings that are stored in the document are not part of the JSON\n";
+    EXPECT_EQ(convert(packed("desk-lamp"), folder / "lamp.json"), line);
+    EXPECT_EQ(convert(packed("desk-lamp"), folder / "lamp.ovdl"), "");
+    // Over itself: the document is JSON by the time that it could be asked.
+    std::filesystem::copy_file(packed("desk-lamp"), folder / "self.json");
+    EXPECT_EQ(convert(folder / "self.json", folder / "self.json"), line);
+    EXPECT_EQ(convert(folder / "lamp.json", folder / "again.json"), "");
+    EXPECT_EQ(convert(packed("bicycle-bell"), folder / "bell.json"), "");
+    // A document that is packed over another has none of its settings.
+    EXPECT_EQ(run({"shaderdata", folder / "lamp.ovdl"}, folder).exitStatus, 0);
+    EXPECT_EQ(convert(folder / "lamp.json", folder / "lamp.ovdl"), "");
+    EXPECT_EQ(run({"shaderdata", folder / "lamp.ovdl"}, folder).exitStatus, 1);
+    // Nothing is said of a document that was not written.
+    EXPECT_EQ(
+        run({"--configuration", "none", "convert", packed("desk-lamp"), folder / "no.json"}, folder).err,
+        "raylume-dl: " + packed("desk-lamp") +
+            ": not converted: the document has no configuration \"none\"\n");
+}
+
+// What is packed has masks by whole paths, however the source was laid out.
+TEST(Packing, FindsMasksWhateverBlanksStandAround)
+{
+    const Folder folder;
+    const std::string from = folder / "edited";
+    const std::string to = folder / "a \"1\" b";
+    std::filesystem::copy(std::string(RAYLUME_SAMPLES) + "/desk-lamp", from);
+    std::filesystem::create_directory(to);
+    std::string text = contentOf(source("desk-lamp"));
+    const std::string key = "\"maskFileName\": \"";
+    const char* const forms[] = {"\"maskFileName\":\"", "\"maskFileName\" :\t\"",
+                                 "\"maskFileName\"\n:\r\n  \""};
+    std::size_t count = 0;
+    for (std::size_t at; (at = text.find(key)) != std::string::npos; ++count)
+        text.replace(at, key.size(), forms[count % std::size(forms)]);
+    ASSERT_GE(count, std::size(forms));
+    tool_test::writeFile(from + "/desk-lamp.json", text);
+    const Finished finished = tool_test::run(
+        {{RAYLUME_CMAKE, "-D", "NAME=desk-lamp", "-D", "SOURCE=" + from, "-D", "FOLDER=" + to, "-D",
+          std::string("TOOL=") + RAYLUME_PROGRAM, "-P", std::string(RAYLUME_SAMPLES) + "/pack.cmake"},
+         {},
+         false,
+         {},
+         {}});
+    ASSERT_EQ(finished.exitStatus, 0) << finished.err;
+    EXPECT_EQ(run({"convert", to + "/desk-lamp.ovdl", folder / "masks.json"}, folder).exitStatus, 0);
+    std::size_t found = 0;
+    const json document = json::parse(contentOf(folder / "masks.json")).at("document");
+    for (const json& decal : document.at("decals"))
+        if (decal.contains("maskFileName")) {
+            EXPECT_EQ(decal["maskFileName"], to + "/brand-mask.png");
+            ++found;
+        }
+    EXPECT_EQ(found, count);
 }
 
 INSTANTIATE_TEST_SUITE_P(Rows, SampleSources, testing::Values("desk-lamp", "bicycle-bell"),

@@ -498,15 +498,26 @@ TEST(Convert, TellsWhyThereIsNoDocument)
 TEST(Convert, TellsWhyADocumentIsRejected)
 {
     const Folder folder;
+    const std::string damaged = folder / "bad.json";
+    std::ofstream(damaged) << "{\"ovdl\":1,";
+    const Said said = run({"convert", damaged, folder / "o.ovdl"});
+    EXPECT_EQ(said.status, 1);
+    EXPECT_THAT(said.err,
+                StartsWith("raylume-dl: " + damaged + ": not converted: the document is rejected ("));
+    EXPECT_THAT(folder.entries(), ElementsAre("bad.json"));
+}
+
+TEST(Convert, KeepsADocumentThatSaysThatItIsRejected)
+{
+    const Folder folder;
     const Prepared document("/prepared/bad.asm", [](DocumentBuilder& builder) {
         fillAssembly(builder);
         builder.document().rejected = true;
         builder.document().reason = "too\nold";
     });
     const Said said = run({"convert", document.path(), folder / "o.ovdl"});
-    EXPECT_EQ(said.status, 1);
-    EXPECT_EQ(said.err,
-              "raylume-dl: /prepared/bad.asm: not converted: the document is rejected (too old)\n");
+    EXPECT_EQ(said.status, 0) << said.err;
+    EXPECT_THAT(run({"info", folder / "o.ovdl"}).err, HasSubstr("too old"));
 }
 
 TEST(Convert, LooksWhetherItMayWriteBeforeItReads)
@@ -526,6 +537,25 @@ TEST(Convert, LooksWhetherItMayWriteBeforeItReads)
     EXPECT_EQ(missing.status, 1);
     EXPECT_THAT(missing.err, HasSubstr("(there is no folder for it)"));
     EXPECT_FALSE(isRead);
+}
+
+// The path as it is understood is that of another file.
+TEST(Outputs, WhosePathIsNotUtf8AreRefused)
+{
+    const Folder folder;
+    const Prepared document("/prepared/box.asm", fillAssembly);
+    for (const char* command : {"convert", "export"})
+        for (const std::string bytes : {"\xFF", "\xC3", "\xED\xA0\x80", "\xC0\xAF"}) {
+            const std::string end = command == std::string("convert") ? ".ovdl" : ".glb";
+            const Said said = run({command, document.path(), folder / ("o" + bytes + end)});
+            EXPECT_EQ(said.status, 1) << command;
+            EXPECT_EQ(said.out, "") << command;
+            EXPECT_EQ(lines(said.err), 1) << said.err;
+            EXPECT_THAT(said.err, HasSubstr("the file cannot be written (its path is not UTF-8)"));
+        }
+    EXPECT_THAT(folder.entries(), IsEmpty());
+    EXPECT_EQ(run({"convert", document.path(), folder / "\xC3\xBC\xEF\xBF\xBD.ovdl"}).status, 0);
+    EXPECT_THAT(folder.entries(), ElementsAre("\xC3\xBC\xEF\xBF\xBD.ovdl"));
 }
 
 TEST(Convert, DrawsAndErasesProgressOnATerminal)

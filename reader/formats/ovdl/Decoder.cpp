@@ -1,10 +1,8 @@
 #include "reader/formats/ovdl/Decoder.h"
 
-#include <algorithm>
 #include <cstring>
 #include <utility>
 
-#include "raylume/platform/Text.h"
 #include "reader/formats/ovdl/CompoundStreams.h"
 #include "reader/formats/ovdl/Decoding.h"
 #include "reader/formats/ovdl/TextEncoding.h"
@@ -106,21 +104,12 @@ private:
     std::string reason_;
 };
 
-// Reasons are one line of true UTF-8, texts are anything.
-std::string oneLine(const std::string& text)
-{
-    std::string line = platform::toUtf8(decodeText(text));
-    std::replace_if(
-        line.begin(), line.end(), [](unsigned char c) { return c < 0x20 || c == 0x7F; }, ' ');
-    return line;
-}
-
 ReadOutcome outcomeOf(std::unique_ptr<OvdlDocument> document)
 {
     ReadOutcome outcome;
     if (document->isRejected()) {
         outcome.kind = ReadOutcome::kRejected;
-        outcome.reason = oneLine(document->reason());
+        outcome.reason = reasonLine(decodeText(document->reason()));
         if (outcome.reason.empty())
             outcome.reason = "the document says itself that it is rejected";
     }

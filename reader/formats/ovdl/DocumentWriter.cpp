@@ -3,7 +3,6 @@
 
 #include <cstdio>
 #include <functional>
-#include <optional>
 #include <utility>
 
 #include "raylume/platform/CompoundCopy.h"
@@ -39,7 +38,7 @@ std::string failureText(HResult result)
     case kStoragePathNotFound:
         return "there is no folder for it";
     case kStorageAccessDenied:
-        return "it is no regular file, or may not be written";
+        return "it is no regular file, or it or its folder may not be written";
     case kStorageMediumFull:
         return "there is no room for it";
     case kStorageTooLarge:
@@ -57,6 +56,13 @@ void checkWritten(HResult result)
 {
     if (result < 0)
         refuse("the file cannot be written (" + failureText(result) + ")");
+}
+
+// The system would take what stands before it for the whole name.
+void checkName(const std::wstring& path)
+{
+    if (path.find(L'\0') != std::wstring::npos)
+        refuse("the file cannot be written (its name has a zero character)");
 }
 
 // Asks for cancellation before each stream.
@@ -117,32 +123,38 @@ void write(const std::wstring& path, const DocumentContents& contents, const Sto
         writeCompound(path, contents, fillMore, check);
 }
 
-// What a prepared document says of itself is laid over copies of its part and assembly.
-class PreparedContents {
+// What is written: an encoder looks at members only, so what part and assembly answer is laid over copies
+// of them.
+class WrittenContents {
 public:
-    explicit PreparedContents(const PreparedDocument& document)
+    explicit WrittenContents(DocumentContents contents, bool rejected = false)
+        : contents_(std::move(contents))
     {
-        contents_.documentVersion = document.version;
-        contents_.reason = document.reason;
-        contents_.part = copyOf(document.part.get(), document.rejected, part_);
-        contents_.assembly = copyOf(document.assembly.get(), document.rejected, assembly_);
-        // Nothing is changed through these pointers.
-        for (const auto& [name, components] : document.configurations)
-            contents_.configurations[name] = const_cast<uoTempAssemblySHDDataArray_c*>(&components);
+        contents_.part = copyOf(contents_.part, rejected, part_);
+        contents_.assembly = copyOf(contents_.assembly, rejected, assembly_);
     }
-    PreparedContents(const PreparedContents&) = delete;
-    PreparedContents& operator=(const PreparedContents&) = delete;
+    WrittenContents(const WrittenContents&) = delete;
+    WrittenContents& operator=(const WrittenContents&) = delete;
 
     const DocumentContents& get() const { return contents_; }
 
+    // The assembly gets the components of that configuration.
+    void openWith(const std::wstring& configuration)
+    {
+        const auto found = contents_.configurations.find(configuration);
+        if (!contents_.assembly || found == contents_.configurations.end() || !found->second)
+            refuse("the document has no configuration \"" + platform::toUtf8(configuration) + "\"");
+        assembly_.components = *found->second;
+    }
+
 private:
     template <class Document>
-    static Document* copyOf(const Document* document, bool rejected, Document& copy)
+    static Document* copyOf(Document* document, bool rejected, Document& copy)
     {
         if (!document)
             return nullptr;
         copy = *document;
-        copy.rejected = copy.rejected || rejected;
+        copy.rejected = document->isRejected() || rejected;
         return &copy;
     }
 
@@ -150,6 +162,20 @@ private:
     OVDLAssemblyDocument assembly_;
     DocumentContents contents_;
 };
+
+DocumentContents contentsOf(const PreparedDocument& document)
+{
+    DocumentContents contents;
+    contents.documentVersion = document.version;
+    contents.displayListVersion = document.displayListVersion;
+    contents.reason = document.reason;
+    contents.part = document.part.get();
+    contents.assembly = document.assembly.get();
+    // Nothing is changed through these pointers.
+    for (const auto& [name, components] : document.configurations)
+        contents.configurations[name] = const_cast<uoTempAssemblySHDDataArray_c*>(&components);
+    return contents;
+}
 
 // A read tells progress and asks for cancellation through the registered callbacks: the ones of the host's
 // load, else the reader's own, which forward to the host's handlers.
@@ -173,13 +199,6 @@ private:
     bool ours_;
 };
 
-bool saysItIsRejected(ReadDocument& document)
-{
-    OVDLPartDocument* part = document.part();
-    OVDLAssemblyDocument* assembly = document.assembly();
-    return part ? part->isRejected() : assembly && assembly->isRejected();
-}
-
 DocumentReadResult readWhole(const std::wstring& path)
 {
     std::string reason;
@@ -188,12 +207,11 @@ DocumentReadResult readWhole(const std::wstring& path)
         refuse("the document cannot be opened (" + reason + ")");
     const CallbacksForRead callbacks;
     DocumentReadResult read = readDocument(*format, path);
-    if (!read.reason.empty())
+    // One that says itself that it is rejected is a whole document all the same.
+    if (!read.reason.empty() && !read.isWhole)
         refuse("the document is rejected (" + read.reason + ")");
     if (read.result == OVXDLReader_Cancelled)
         throw Cancelled();
-    if (saysItIsRejected(*read.document))
-        refuse("the document is rejected");
     return read;
 }
 
@@ -203,22 +221,13 @@ DocumentContents contentsOf(const DocumentReadResult& read)
         return decoded->contents();
     DocumentContents contents;
     contents.documentVersion = read.version;
+    contents.displayListVersion = read.document->displayListVersion();
+    contents.reason = read.reason;
     contents.part = read.document->part();
     contents.assembly = read.document->assembly();
     for (const std::wstring& name : read.document->configurationNames())
         contents.configurations[name] = read.document->configuration(name);
     return contents;
-}
-
-// The assembly with the components of that configuration.
-OVDLAssemblyDocument openingWith(const DocumentContents& contents, const std::wstring& configuration)
-{
-    const auto found = contents.configurations.find(configuration);
-    if (!contents.assembly || found == contents.configurations.end() || !found->second)
-        refuse("the document has no configuration \"" + platform::toUtf8(configuration) + "\"");
-    OVDLAssemblyDocument assembly = *contents.assembly;
-    assembly.components = *found->second;
-    return assembly;
 }
 
 bool isNoCompoundFile(HResult result)
@@ -253,14 +262,14 @@ void checkCancelled()
 
 void convert(const std::wstring& source, const std::wstring& target, const std::wstring& configuration)
 {
+    checkName(target);
     const DocumentReadResult read = readWhole(source);
-    DocumentContents contents = contentsOf(read);
-    std::optional<OVDLAssemblyDocument> assembly;
+    WrittenContents contents(contentsOf(read));
     if (!configuration.empty())
-        contents.assembly = &assembly.emplace(openingWith(contents, configuration));
+        contents.openWith(configuration);
     const auto fillMore = [&source](IStorage& root) { carrySettings(source, root); };
     // No bare function: its type would be exported with the library.
-    write(target, contents, fillMore, [] { checkCancelled(); });
+    write(target, contents.get(), fillMore, [] { checkCancelled(); });
 }
 
 template <class Work>
@@ -285,8 +294,10 @@ bool writeDocument(const std::wstring& path, const PreparedDocument& document, s
         [&] {
             if (!document.openable)
                 refuse("the document cannot be opened (" + document.reason + ")");
+            checkName(path);
             write(
-                path, PreparedContents(document).get(), [](IStorage&) {}, [] {});
+                path, WrittenContents(contentsOf(document), document.rejected).get(), [](IStorage&) {},
+                [] {});
         },
         reason);
 }

@@ -4,6 +4,7 @@
 #include <cassert>
 #include <charconv>
 #include <cstring>
+#include <type_traits>
 
 #include "reader/formats/ovdl/DocumentStreams.h"
 #include "reader/formats/ovdl/Refusal.h"
@@ -33,6 +34,36 @@ bool beginsNumber(char c)
     return c == '-' || (c >= '0' && c <= '9');
 }
 
+// Where the first digit that counts stands: 0 for ones, -1 for tenths. `text` is no zero.
+std::int64_t decimalPlace(std::string_view text)
+{
+    constexpr std::int64_t kFar = std::int64_t{1} << 60;
+    const std::size_t first = text.find_first_of("123456789");
+    const std::size_t mantissaEnd = std::min(text.find_first_of("eE"), text.size());
+    const std::size_t point = std::min(text.find('.'), mantissaEnd);
+    const auto place =
+        static_cast<std::int64_t>(point) - static_cast<std::int64_t>(first) - (first < point ? 1 : 0);
+    std::string_view digits = text.substr(std::min(mantissaEnd + 1, text.size()));
+    if (digits.starts_with('+'))
+        digits.remove_prefix(1);
+    std::int64_t exponent = 0;
+    const auto parsed = std::from_chars(digits.data(), digits.data() + digits.size(), exponent);
+    if (parsed.ec == std::errc::result_out_of_range || exponent > kFar || exponent < -kFar)
+        exponent = digits.starts_with('-') ? -kFar : kFar;
+    return place + exponent;
+}
+
+// What lies between zero and the smallest number is nearest to zero; it keeps its sign.
+template <class Number>
+bool isZeroAfterRounding(std::string_view text, Number& number)
+{
+    if constexpr (std::is_floating_point_v<Number>) {
+        number = text.starts_with('-') ? Number{-0.0} : Number{};
+        return decimalPlace(text) < 0;
+    }
+    return false;
+}
+
 template <class Number>
 Number parse(Tokens& tokens, std::string_view name, const char* what)
 {
@@ -41,6 +72,8 @@ Number parse(Tokens& tokens, std::string_view name, const char* what)
     const std::string_view text = tokens.number();
     Number number{};
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (error == std::errc::result_out_of_range && isZeroAfterRounding(text, number))
+        return number;
     if (error == std::errc::result_out_of_range)
         tokens.fail(quoted(text) + " is beyond what " + quoted(name) + " can hold");
     if (error != std::errc() || end != text.data() + text.size())

@@ -41,13 +41,16 @@ void appendBits(std::string& target, std::uint64_t bits, unsigned digits)
     target += text;
 }
 
-// The shortest digits that give the same number again; JSON has no word for the others.
+// The shortest digits that give the same number again; JSON has no word for the others. Without a point
+// a negative zero is an integer to most readers of JSON, and loses its sign.
 template <class Real>
 void appendReal(std::string& target, Place at)
 {
     Real number;
     std::memcpy(&number, at, sizeof(number));
-    if (std::isfinite(number))
+    if (number == 0 && std::signbit(number))
+        target += "-0.0";
+    else if (std::isfinite(number))
         appendNumber<Real>(target, at);
     else
         appendBits(target, bitsAt(at, sizeof(Real) == 4 ? reflection::Float : reflection::Double),

@@ -1,4 +1,4 @@
-// A document as JSON in the schema's own names. docs/formats/ovdl.md tells how each kind of field looks.
+// A document as JSON in the schema's own names. docs/formats/ovdl-json.md tells how each kind of field looks.
 #pragma once
 
 #include <functional>

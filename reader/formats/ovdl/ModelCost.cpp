@@ -3,9 +3,9 @@
 // for each time that a body names it, a material for each face, a decal for each face that it lies on, a
 // node of the tree for each token of a component's path.
 #include <algorithm>
+#include <map>
 #include <memory>
 #include <string_view>
-#include <unordered_map>
 
 #include "reader/formats/ovdl/Decoding.h"
 
@@ -21,6 +21,12 @@ constexpr std::uint64_t kStrip = 8;
 constexpr std::uint64_t kBody = 128;
 constexpr std::uint64_t kInstance = 768;
 constexpr std::uint64_t kTreeNode = 384;
+// A face of a body that is not shown costs the question whether it is.
+constexpr std::uint64_t kHiddenFace = 16;
+// A body, where the faces of a part are looked up for the decals of one of its components.
+constexpr std::uint64_t kBodyLook = 1;
+// So many characters of a path are compared at the price of a byte.
+constexpr std::uint64_t kComparedForAByte = 4;
 // A character stands in the model as wide text, or up to twice as narrow text.
 constexpr std::uint64_t kCharacter = 8;
 // Of an instance: in its name, its last token, its placement, the part's names.
@@ -64,8 +70,9 @@ Cost costOf(const uoDecalProperties* decal)
     return cost;
 }
 
-Cost costOf(const std::list<uoDecalProperties*>& decals)
+Cost costOf(const std::list<uoDecalProperties*>& decals, Steps& steps)
 {
+    steps.tick(decals.size());
     Cost cost;
     for (const uoDecalProperties* decal : decals)
         cost.add(costOf(decal).bytes());
@@ -73,44 +80,50 @@ Cost costOf(const std::list<uoDecalProperties*>& decals)
 }
 
 // One configuration is in use at a time.
-Cost costliest(const std::map<int, moVisualProperties_c*>& visuals)
+Cost costliest(const std::map<int, moVisualProperties_c*>& visuals, Steps& steps)
 {
+    steps.tick(visuals.size());
     Cost most;
     for (const auto& [configuration, visual] : visuals)
         most = std::max(most, costOf(visual));
     return most;
 }
 
-Cost costOf(const uoTempFaceTessData_c& face)
+Cost costOf(const uoTempFaceTessData_c& face, Steps& steps)
 {
+    steps.tick(1 + static_cast<std::uint64_t>(face.stripCount));
     Cost cost(kFace);
     std::uint64_t vertices = 0;
     for (std::int32_t strip = 0; strip < face.stripCount; ++strip)
         vertices += static_cast<std::uint64_t>(face.stripLengths.data[strip]);
     cost.add(vertices, kVertex);
     cost.add(static_cast<std::uint64_t>(face.stripCount), kStrip);
-    cost.add(costliest(face.faceVizProps).bytes());
+    cost.add(costliest(face.faceVizProps, steps).bytes());
     return cost;
 }
 
-// What one tessellation costs in each of its configurations.
+// What one tessellation costs in each of its configurations. Whatever it holds for all of them is walked
+// once and not for each.
 class PartCost {
 public:
     PartCost(DecodedTessellation& tessellation, Steps& steps)
-        : tessellation_(tessellation), visual_(costliest(tessellation.part.modelVizProps))
+        : tessellation_(tessellation), visual_(costliest(tessellation.part.modelVizProps, steps))
     {
         std::vector<std::uint64_t> faces;
         faces.reserve(tessellation.faces.size());
-        for (const uoTempFaceTessData_c& face : tessellation.faces) {
-            steps.tick();
-            faces.push_back(costOf(face).bytes());
-        }
+        for (const uoTempFaceTessData_c& face : tessellation.faces)
+            faces.push_back(costOf(face, steps).bytes());
         bodies_.reserve(tessellation.bodies.size());
         for (const uoTempBodyTessData_c& body : tessellation.bodies)
             bodies_.push_back(costOfBody(body, faces, steps).bytes());
+        for (const auto& [configuration, decals] : tessellation.part.decalsByConfig) {
+            steps.tick();
+            if (!decals.empty())
+                decals_[configuration] = costOf(decals, steps).bytes();
+        }
     }
 
-    // The bodies that are not shown cost nothing but the look at them.
+    // The bodies that are not shown cost nothing but the look at them and at their faces.
     Cost in(std::int32_t configuration, Decoding& decoding) const
     {
         decoding.budget.charge(tessellation_.partBodies.size(), 8);
@@ -121,10 +134,18 @@ public:
             cost.add(kBody);
             if (body && isShown(*body, configuration))
                 cost.add(bodies_[static_cast<std::size_t>(body - tessellation_.bodies.data())]);
+            else if (body)
+                cost.add(static_cast<std::uint64_t>(body->faces.count), kHiddenFace);
         }
-        for (const auto& [key, decals] : tessellation_.part.decalsByConfig)
-            if (key == configuration || tessellation_.part.decalsByConfig.size() == 1)
-                cost.add(costOf(decals).bytes());
+        cost.add(costOfDecals(configuration));
+        return cost;
+    }
+
+    // Of a component that has decals of its own.
+    Cost lookForFaces() const
+    {
+        Cost cost;
+        cost.add(tessellation_.partBodies.size(), kBodyLook);
         return cost;
     }
 
@@ -132,7 +153,7 @@ private:
     Cost costOfBody(const uoTempBodyTessData_c& body, const std::vector<std::uint64_t>& faces,
                     Steps& steps) const
     {
-        Cost cost = costliest(body.bodyVizProps);
+        Cost cost = costliest(body.bodyVizProps, steps);
         for (long long i = 0; i < body.faces.count; ++i) {
             steps.tick();
             const uoTempFaceTessData_c* face = body.faces.data[i];
@@ -147,9 +168,18 @@ private:
         return !info || info->shown != 0;
     }
 
+    // Where there is one list only, no configuration (-1) has it too.
+    std::uint64_t costOfDecals(std::int32_t configuration) const
+    {
+        const bool isOnly = configuration == -1 && tessellation_.part.decalsByConfig.size() == 1;
+        const auto found = isOnly ? decals_.begin() : decals_.find(configuration);
+        return found == decals_.end() ? 0 : found->second;
+    }
+
     DecodedTessellation& tessellation_;
     Cost visual_;
     std::vector<std::uint64_t> bodies_;
+    std::map<int, std::uint64_t> decals_;
 };
 
 // The parts of all models that a document can become, each worked out once.
@@ -165,16 +195,17 @@ public:
     // Nothing for a part that this model has already.
     Cost add(const uoTempPartTessData_c* tessData, std::int32_t configuration)
     {
-        const std::size_t number = numberOf(tessData);
-        const std::uint64_t key = std::uint64_t{number} << 32 | static_cast<std::uint32_t>(configuration);
-        const auto [place, isNew] = known_.try_emplace(key);
+        Tessellation& tessellation = of(tessData);
+        const auto [place, isNew] = tessellation.known.try_emplace(configuration);
         if (isNew)
-            place->second.cost = costOfPart(number).in(configuration, decoding_);
+            place->second.cost = tessellation.cost.in(configuration, decoding_);
         if (place->second.model == model_)
             return Cost();
         place->second.model = model_;
         return place->second.cost;
     }
+
+    Cost lookForFaces(const uoTempPartTessData_c* tessData) { return of(tessData).cost.lookForFaces(); }
 
 private:
     struct Known {
@@ -182,25 +213,26 @@ private:
         std::uint64_t model = 0;
     };
 
-    std::size_t numberOf(const uoTempPartTessData_c* tessData) const
+    // By configuration in a tree and no hash table: the document could make its numbers collide.
+    struct Tessellation {
+        PartCost cost;
+        std::map<std::int32_t, Known> known;
+    };
+
+    Tessellation& of(const uoTempPartTessData_c* tessData)
     {
-        const auto& all = decoding_.objects.tessellations;
+        auto& all = decoding_.objects.tessellations;
         const auto distance =
             reinterpret_cast<std::uintptr_t>(tessData) - reinterpret_cast<std::uintptr_t>(&all[0].part);
-        return static_cast<std::size_t>(distance / sizeof(all[0]));
-    }
-
-    PartCost& costOfPart(std::size_t number)
-    {
-        if (!tessellations_[number])
-            tessellations_[number] =
-                std::make_unique<PartCost>(decoding_.objects.tessellations[number], decoding_.steps);
-        return *tessellations_[number];
+        const std::size_t number = static_cast<std::size_t>(distance / sizeof(all[0]));
+        std::unique_ptr<Tessellation>& place = tessellations_[number];
+        if (!place)
+            place.reset(new Tessellation{PartCost(all[number], decoding_.steps), {}});
+        return *place;
     }
 
     Decoding& decoding_;
-    std::vector<std::unique_ptr<PartCost>> tessellations_;
-    std::unordered_map<std::uint64_t, Known> known_;
+    std::vector<std::unique_ptr<Tessellation>> tessellations_;
     std::uint64_t model_ = 0;
 };
 
@@ -210,6 +242,19 @@ std::string_view parentsOf(std::string_view path)
     return path.substr(0, path.rfind('/') + 1);  // npos + 1 is 0
 }
 
+// How far two texts are the same. By blocks, since paths may be very long.
+std::size_t sharedLength(std::string_view a, std::string_view b)
+{
+    constexpr std::size_t kBlock = 4096;
+    const std::size_t most = std::min(a.size(), b.size());
+    std::size_t at = 0;
+    while (most - at > kBlock && a.substr(at, kBlock) == b.substr(at, kBlock))
+        at += kBlock;
+    while (at < most && a[at] == b[at])
+        ++at;
+    return at;
+}
+
 // The nodes of the tree that a path needs and the one before did not. Neighbours mostly hang under one
 // node, so that is looked at first.
 Cost costOfNodes(std::string_view parents, std::string_view before)
@@ -217,10 +262,7 @@ Cost costOfNodes(std::string_view parents, std::string_view before)
     Cost cost;
     if (parents == before)
         return cost;
-    const auto shared = static_cast<std::size_t>(
-        std::mismatch(parents.begin(), parents.end(), before.begin(), before.end()).first -
-        parents.begin());
-    for (std::size_t at = parents.find('/', shared); at != std::string_view::npos;
+    for (std::size_t at = parents.find('/', sharedLength(parents, before)); at != std::string_view::npos;
          at = parents.find('/', at + 1)) {
         cost.add(kTreeNode);
         cost.add(at, 2);
@@ -236,11 +278,14 @@ public:
         const auto& components = decoding.objects.components;
         components_.reserve(components.size());
         for (std::size_t i = 0; i < components.size(); ++i) {
-            decoding.steps.tick();
             const auto& record =
                 *decoding.document.components()->Get(static_cast<flatbuffers::uoffset_t>(i));
-            components_.push_back(
-                {costOfInstance(components[i]).bytes(), parentsOf(decoding.textBytes(record.name()))});
+            const std::string_view name = decoding.textBytes(record.name());
+            decoding.steps.tick(1 + name.size() / 64);
+            Component& known = components_.emplace_back();
+            known.cost = costOfInstance(components[i], decoding.steps).bytes();
+            known.parents = parentsOf(name);
+            known.before = &known;
         }
     }
 
@@ -257,39 +302,63 @@ public:
     {
         parts_.beginModel();
         Cost cost;
-        std::string_view before;
+        const Component* before = nullptr;
         for (const uoTempAssemblySHDData_c* component : components) {
             decoding_.steps.tick();
             if (!component)
                 continue;
-            const Component& known = knownOf(*component);
+            Component& known = knownOf(*component);
             cost.add(known.cost);
             check(cost);
-            cost.add(costOfNodes(known.parents, before).bytes());
-            before = known.parents;
+            cost.add(nodesOf(known, before));
+            before = &known;
             if (component->tessData)
-                cost.add(parts_.add(component->tessData, component->configIndex).bytes());
+                cost.add(costOfPart(*component).bytes());
             check(cost);
         }
     }
 
 private:
-    // The path as it lies in the document: as wide text it is four times as long.
+    // The path as it lies in the document: as wide text it is four times as long. What its nodes cost is
+    // kept with the neighbour for which it was worked out, since arrays mostly name components in one
+    // order; behind itself a component needs none.
     struct Component {
-        std::uint64_t cost;
+        std::uint64_t cost = 0;
         std::string_view parents;
+        const Component* before = nullptr;
+        std::uint64_t nodes = 0;
     };
 
-    static Cost costOfInstance(const uoTempAssemblySHDData_c& component)
+    static Cost costOfInstance(const uoTempAssemblySHDData_c& component, Steps& steps)
     {
         Cost cost(kInstance);
         cost.add(component.name.size() + component.configName.size(), kNameCharacter);
         cost.add(decoding::costOf(component.vizProps).bytes());
-        cost.add(decoding::costOf(component.decals).bytes());
+        cost.add(decoding::costOf(component.decals, steps).bytes());
         return cost;
     }
 
-    const Component& knownOf(const uoTempAssemblySHDData_c& component) const
+    std::uint64_t nodesOf(Component& component, const Component* before)
+    {
+        if (component.before == before)
+            return component.nodes;
+        decoding_.budget.charge(component.parents.size() / kComparedForAByte, 1);
+        decoding_.steps.tick(component.parents.size() / 64);
+        component.before = before;
+        component.nodes =
+            costOfNodes(component.parents, before ? before->parents : std::string_view()).bytes();
+        return component.nodes;
+    }
+
+    Cost costOfPart(const uoTempAssemblySHDData_c& component)
+    {
+        Cost cost = parts_.add(component.tessData, component.configIndex);
+        if (!component.decals.empty())
+            cost.add(parts_.lookForFaces(component.tessData).bytes());
+        return cost;
+    }
+
+    Component& knownOf(const uoTempAssemblySHDData_c& component)
     {
         return components_[static_cast<std::size_t>(&component - decoding_.objects.components.data())];
     }

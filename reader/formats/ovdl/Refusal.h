@@ -6,10 +6,13 @@
 
 namespace ovdl {
 
-/// The reason in one line of UTF-8.
+/// Any text as one line of true UTF-8, which a reason is.
+std::string reasonLine(std::wstring text);
+
 class Refusal : public std::runtime_error {
 public:
-    using std::runtime_error::runtime_error;
+    /// The reason may quote any bytes of a document: what() gives it as one line of true UTF-8.
+    explicit Refusal(const std::string& reason);
 };
 
 [[noreturn]] inline void refuse(const std::string& reason)

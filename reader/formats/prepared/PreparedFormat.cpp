@@ -37,6 +37,7 @@ public:
     OVDLPartDocument* part() override { return document_->part.get(); }
     OVDLAssemblyDocument* assembly() override { return document_->assembly.get(); }
     OVXDLReader_FileLoadResult result() const override { return document_->result; }
+    std::uint32_t displayListVersion() const override { return document_->displayListVersion; }
 
     uoTempAssemblySHDDataArray_c* configuration(const std::wstring& name) override
     {
