@@ -463,7 +463,8 @@ TEST(ImportSettingsDeathTest, GoBeforeTheEnvironmentOnceTheyAreSet)
         setenv("RAYLUME_IMPORT_SECONDS", "1.5", 1);
         setenv("RAYLUME_TESSELLATION", "0.01,5", 1);
         ovdl::setImportLimits({7, 8, 9});
-        const bool refused = !ovdl::setTessellation({0, 5}) && !ovdl::setTessellation({0.1, 200});
+        const bool refused = !ovdl::setTessellation({0, 5}) && !ovdl::setTessellation({0.1, 200}) &&
+                             !ovdl::setTessellation({1e-10, 20}) && !ovdl::setTessellation({0.1, 0.009});
         const bool untouched = ovdl::step::currentTessellation().degrees == 5;
         const bool taken =
             ovdl::setTessellation({0.5, 90}) && ovdl::step::currentTessellation().degrees == 90;

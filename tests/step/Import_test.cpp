@@ -908,6 +908,25 @@ TEST_F(ExternalFile, IsNotReadWhenItNamesTheDocument)
         EXPECT_THAT(name, testing::Not(HasSubstr("HEAD")));
 }
 
+// Each of them shows the next one twice.
+TEST_F(ExternalFile, IsRefusedWhenFilesMultiplyBeyondWhatTheyExplain)
+{
+    const std::string head = readFile(path_);
+    constexpr int kFiles = 17;
+    const auto nameOf = [](int i) { return "next" + std::to_string(i) + ".stp"; };
+    for (int i = 0; i < kFiles; ++i) {
+        folder_.write("inside/HEAD.stp", head);
+        rename("HEAD_BACK.stp", nameOf(i + 1));
+        rename("HEAD_FRONT.stp", nameOf(i + 1));
+        std::filesystem::rename(path_, inside_ + "/" + nameOf(i));
+    }
+    std::filesystem::rename(inside_ + "/HEAD_FRONT.stp", inside_ + "/" + nameOf(kFiles));
+    path_ = inside_ + "/" + nameOf(0);
+    const auto outcome = read(path_);
+    EXPECT_EQ(outcome.kind, ReadOutcome::kRejected);
+    EXPECT_EQ(outcome.reason, "the file has more occurrences than its size explains");
+}
+
 TEST_F(ExternalFile, IsNotReadWhenItsLoadCheckFails)
 {
     std::string text = readFile(inside_ + "/HEAD_BACK.stp");

@@ -134,6 +134,21 @@ TEST_F(Products, HidesOneOccurrenceAndNotTheOther)
     EXPECT_EQ(all[1]->tessData, all[0]->tessData);
 }
 
+TEST(HostLink, ShortensReasonsBetweenCharacters)
+{
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    std::string reason = "x";
+    for (int i = 0; i < 3000; ++i)
+        reason += "\xC3\xA9";
+    ovdl::step::HostLink(ends[1]).say(ovdl::step::Message::kRefused, reason);
+    close(ends[1]);
+    std::string line(10000, '\0');
+    line.resize(static_cast<std::size_t>(::read(ends[0], line.data(), line.size())));
+    close(ends[0]);
+    EXPECT_EQ(line, "refused " + reason.substr(0, 499) + "\n");
+}
+
 class HiddenPieces : public Products {
 protected:
     // A part of two boxes.
