@@ -29,12 +29,6 @@
 #include <XCAFPrs_IndexedDataMapOfShapeStyle.hxx>
 #include <cmath>
 
-// What Open CASCADE keeps to the end of a process is its own affair.
-extern "C" __attribute__((visibility("default"))) const char* __lsan_default_suppressions()
-{
-    return "leak:libTK";
-}
-
 namespace step_tests {
 namespace {
 

@@ -36,6 +36,7 @@ protected:
         shapes_ = XCAFDoc_DocumentTool::ShapeTool(model_.document->Main());
         colours_ = XCAFDoc_DocumentTool::ColorTool(model_.document->Main());
     }
+    ~Products() override { XCAFApp_Application::GetApplication()->Close(model_.document); }
     TDF_Label part(const TopoDS_Shape& shape) { return shapes_->AddShape(shape, Standard_False); }
     TDF_Label assembly() { return shapes_->NewShape(); }
     TDF_Label add(const TDF_Label& assembly, const TDF_Label& product, double x)
