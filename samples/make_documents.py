@@ -95,9 +95,8 @@ def disc(radius, y, up, count):
     return polygon(ring, (0.0, 1.0 if up else -1.0, 0.0), uvs)
 
 
-def box(size, centre):
-    """Six faces: x, y, z, each to the positive side first."""
-    faces = []
+def box_sides(size, centre):
+    """Corners and normal of six sides: x, y, z, each to the positive side first."""
     for axis in range(3):
         for sign in (1, -1):
             u, v = (axis + 1) % 3, (axis + 2) % 3
@@ -110,8 +109,13 @@ def box(size, centre):
                 corner[u] += sign * a * size[u] / 2
                 corner[v] += b * size[v] / 2
                 corners.append(tuple(corner))
-            faces.append(polygon(corners, tuple(normal), [(0.0, 0.0), (1.0, 0.0), (1.0, 1.0), (0.0, 1.0)]))
-    return faces
+            yield corners, tuple(normal)
+
+
+def box(size, centre):
+    """A face for each side, in the order of box_sides()."""
+    uvs = [(0.0, 0.0), (1.0, 0.0), (1.0, 1.0), (0.0, 1.0)]
+    return [polygon(corners, normal, uvs) for corners, normal in box_sides(size, centre)]
 
 
 def placed(face, frame):

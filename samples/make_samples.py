@@ -21,6 +21,9 @@ import struct
 import sys
 import zlib
 
+sys.dont_write_bytecode = True
+import make_documents
+
 FOLDER = pathlib.Path(__file__).resolve().parent
 
 
@@ -47,20 +50,7 @@ def joined(*surfaces):
 
 def box(size, centre=(0, 0, 0)):
     """Six flat sides."""
-    sides = []
-    for axis in range(3):
-        for sign in (1, -1):
-            u, v = (axis + 1) % 3, (axis + 2) % 3
-            normal = [0.0, 0.0, 0.0]
-            normal[axis] = float(sign)
-            corners = []
-            for a, b in ((-1, -1), (1, -1), (1, 1), (-1, 1)):
-                corner = list(centre)
-                corner[axis] += sign * size[axis] / 2
-                corner[u] += sign * a * size[u] / 2
-                corner[v] += b * size[v] / 2
-                corners.append(tuple(corner))
-            sides.append(flat_polygon(corners, tuple(normal)))
+    sides = [flat_polygon(corners, normal) for corners, normal in make_documents.box_sides(size, centre)]
     return joined(*sides)
 
 
@@ -367,8 +357,5 @@ def bracket():
 if __name__ == "__main__":
     gearbox()
     bracket()
-    sys.dont_write_bytecode = True
-    import make_documents
-
     make_documents.desk_lamp()
     make_documents.bicycle_bell()
